@@ -1,0 +1,42 @@
+# The two commands of the README: `make run` and `make test`.
+# Both install what is missing from Debian's packages first.
+
+JOBS ?= $(shell nproc)
+FUZZ_SECONDS ?= 20
+
+.PHONY: run test deps build test-unit fuzz asan tsan sanitizers bench clean
+
+run: build
+	./scripts/run.sh
+
+test: build
+	ctest --preset default -j $(JOBS)
+	$(MAKE) fuzz
+
+deps:
+	@./scripts/install-deps.sh
+
+build: deps
+	@cmake --preset default >/dev/null
+	cmake --build --preset default -j $(JOBS)
+
+# Every fuzz target for a bounded time, under address and undefined sanitizers.
+fuzz: deps
+	@cmake --preset fuzz >/dev/null
+	cmake --build --preset fuzz -j $(JOBS) --target orvane_fuzzers
+	FUZZ_SECONDS=$(FUZZ_SECONDS) ctest --preset fuzz
+
+asan: deps
+	@cmake --preset asan >/dev/null
+	cmake --build --preset asan -j $(JOBS)
+	ctest --preset asan -j $(JOBS)
+
+tsan: deps
+	@cmake --preset tsan >/dev/null
+	cmake --build --preset tsan -j $(JOBS)
+	ctest --preset tsan -j $(JOBS)
+
+sanitizers: asan tsan
+
+clean:
+	rm -rf build

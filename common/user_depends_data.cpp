@@ -1,0 +1,3 @@
+#include "common/user_depends_data.h"
+
+UserDependsData gUserDependsData;

@@ -1,0 +1,97 @@
+#include "common/debug_log.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+
+#include "common/clock.h"
+#include "tests/support/test_support.h"
+
+namespace {
+
+struct LogSwitches : ::testing::Test {
+    ~LogSwitches() override { ShowLog(false, false); }
+};
+
+namespace probe {
+struct Reporter {
+    void Report() { LOG_INFO("from member %d\n", 7); }
+    static void Failure() { LOG_ERROR("E6 auth failed.\n"); }
+};
+}  // namespace probe
+
+TEST_F(LogSwitches, GatingAndPrefixes) {
+    orv::test::StdoutCapture out;
+    EXPECT_TRUE(ShowLog(false, true));
+    PrintLog("Orvane::OrvManager::Start", 10, "Start\n");
+    PrintErr("E6TruSimClient::HandleAuth", 11, "Auth failed.\n");
+    PrintRaw("[D] >> %s\n", "12 00 12");
+    EXPECT_FALSE(IsShowLog());
+
+    EXPECT_FALSE(ShowLog(true, false));
+    EXPECT_TRUE(IsShowLog());
+    const long long before = WallClockMs();
+    PrintLog("Orvane::OrvManager::Start", 10, "Start\n");
+    PrintErr("E6TruSimClient::HandleAuth", 11, "Auth failed.\n");
+    PrintRaw("[D] >> %s\n", "hidden");
+    const long long after = WallClockMs();
+
+    const std::string text = out.Text();
+    const std::regex expected(
+        "\\[(\\d+)\\] \\[D\\] >> 12 00 12\n"
+        "\\[(\\d+)\\] \\[Orvane::OrvManager::Start\\(10\\)\\] Start\n"
+        "!!! ERROR \\[(\\d+)\\] \\[E6TruSimClient::HandleAuth\\(11\\)\\] Auth failed\\.\n");
+    std::smatch match;
+    ASSERT_TRUE(std::regex_match(text, match, expected)) << text;
+    const long long stamp = std::stoll(match[2]);
+    EXPECT_GE(stamp, before);
+    EXPECT_LE(stamp, after);
+}
+
+TEST_F(LogSwitches, MacrosTagWithQualifiedNameAndLine) {
+    orv::test::StdoutCapture out;
+    ShowLog(true, false);
+    probe::Reporter().Report();
+    probe::Reporter::Failure();
+    const std::string text = out.Text();
+    EXPECT_NE(text.find("::probe::Reporter::Report("), std::string::npos)
+        << text;
+    EXPECT_NE(text.find(")] from member 7\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("!!! ERROR ["), std::string::npos);
+    EXPECT_NE(text.find("::probe::Reporter::Failure("), std::string::npos) << text;
+    EXPECT_NE(text.find(")] E6 auth failed.\n"), std::string::npos);
+}
+
+TEST_F(LogSwitches, LongMessageIsCutNotRejected) {
+    orv::test::StdoutCapture out;
+    ShowLog(true, true);
+    const std::string huge(50000, 'x');
+    PrintLog("Tag", 1, "%s\n", huge.c_str());
+    PrintRaw("%s\n", huge.c_str());
+    const std::string text = out.Text();
+    // 40959 characters of message survive in each; the newline is cut off.
+    EXPECT_EQ(orv::test::CountOf(text, std::string(40959, 'x')), 2u);
+    EXPECT_EQ(text.find(std::string(40960, 'x')), std::string::npos);
+    EXPECT_EQ(text.find('\n'), std::string::npos);
+}
+
+TEST(QualifiedFunctionName, CutsSignaturesDownToTheName) {
+    using orv::QualifiedFunctionName;
+    EXPECT_EQ(QualifiedFunctionName("void Orvane::OrvManager::Start()"), "Orvane::OrvManager::Start");
+    EXPECT_EQ(QualifiedFunctionName("static Orvane::OrvManager* Orvane::OrvManager::GetInstance()"),
+              "Orvane::OrvManager::GetInstance");
+    EXPECT_EQ(QualifiedFunctionName("std::string E6_GetClubTypeJson(int)"), "E6_GetClubTypeJson");
+    EXPECT_EQ(QualifiedFunctionName("bool BtfrGattWrapper::WriteCharacteristic(const uint8_t*, int)"),
+              "BtfrGattWrapper::WriteCharacteristic");
+    EXPECT_EQ(QualifiedFunctionName("std::map<int, std::pair<int, int> > Q<A, B>::Get(int)"),
+              "Q<A, B>::Get");
+    EXPECT_EQ(QualifiedFunctionName(
+                  "Orvane::OrvManager::StopRecording(int)::<lambda()>"),
+              "Orvane::OrvManager::StopRecording");
+    EXPECT_EQ(QualifiedFunctionName("void Foo::operator()(int)"), "Foo::operator()");
+    EXPECT_EQ(QualifiedFunctionName("OrvSettings::LoadSetting"), "OrvSettings::LoadSetting");
+    EXPECT_EQ(QualifiedFunctionName(""), "");
+}
+
+}  // namespace

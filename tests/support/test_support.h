@@ -1,0 +1,50 @@
+// Shared helpers for the test suites: waiting on conditions, capturing the
+// process's standard output, temporary folders.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace orv::test {
+
+// Polls `condition` until it holds or `timeout` passes; never a bare sleep.
+bool Eventually(const std::function<bool()>& condition,
+                std::chrono::milliseconds timeout = std::chrono::seconds(10),
+                std::chrono::milliseconds interval = std::chrono::milliseconds(5));
+
+// Redirects file descriptor 1 into a temporary file for its lifetime.
+class StdoutCapture {
+public:
+    StdoutCapture();
+    ~StdoutCapture();
+    StdoutCapture(const StdoutCapture&) = delete;
+    StdoutCapture& operator=(const StdoutCapture&) = delete;
+
+    // Everything written so far (stdout is flushed first).
+    std::string Text() const;
+
+private:
+    int savedFd_ = -1;
+    std::filesystem::path file_;
+};
+
+// A fresh folder under the system temporary folder, removed with the object.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+// Number of times `needle` occurs in `haystack`.
+size_t CountOf(const std::string& haystack, const std::string& needle);
+
+}  // namespace orv::test
