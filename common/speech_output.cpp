@@ -54,7 +54,8 @@ private:
 
 std::unique_ptr<SpeechOutput> OpenSoundServerOutput(int sampleRate, int& error) {
     const pa_sample_spec format{PA_SAMPLE_S16LE, static_cast<uint32_t>(sampleRate), 1};
-    const uint32_t queued = static_cast<uint32_t>(pa_usec_to_bytes(kQueuedMs * 1000, &format));
+    const uint32_t queued =
+        static_cast<uint32_t>(pa_usec_to_bytes(pa_usec_t{kQueuedMs} * 1000, &format));
     const pa_buffer_attr buffer{static_cast<uint32_t>(-1), queued, static_cast<uint32_t>(-1),
                                 static_cast<uint32_t>(-1), static_cast<uint32_t>(-1)};
     error = 0;

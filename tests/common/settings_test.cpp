@@ -6,14 +6,13 @@
 #include <climits>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 
 #include "common/debug_log.h"
 #include "common/user_depends_data.h"
 #include "tests/common/env_var.h"
+#include "tests/common/file_text.h"
 #include "tests/support/test_support.h"
 
 namespace {
@@ -21,17 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 using orv::test::CountOf;
 using orv::test::EnvVar;
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void WriteAll(const fs::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
+using orv::test::ReadFileText;
+using orv::test::WriteFileText;
 
 // Tagged log entries (the settings dump is one entry over several lines).
 size_t LogEntries(const std::string& text) {
@@ -76,10 +66,10 @@ TEST_F(Settings, NoFileGivesDefaults) {
 }
 
 TEST_F(Settings, StoredValuesAreReadAndClamped) {
-    WriteAll(ini,
-             "[Golf]\nSwingLevel=7\nSwingSensitivity=-1\nClubType=2\nHideShotResult=5\n"
-             "Version=1.4.2\nFirstLaunch=1\n[Sound]\nBackground=0\nEffect=0\n"
-             "[Camera]\nShowPreview=1\nRecording=1\n");
+    WriteFileText(ini,
+                  "[Golf]\nSwingLevel=7\nSwingSensitivity=-1\nClubType=2\nHideShotResult=5\n"
+                  "Version=1.4.2\nFirstLaunch=1\n[Sound]\nBackground=0\nEffect=0\n"
+                  "[Camera]\nShowPreview=1\nRecording=1\n");
     OrvSettings settings(dir.path());
     EXPECT_EQ(settings.GetDifficulty(), 1);
     EXPECT_EQ(settings.GetSensitivity(), 1);
@@ -93,9 +83,9 @@ TEST_F(Settings, StoredValuesAreReadAndClamped) {
     EXPECT_TRUE(settings.recording);
 
     // Numbers are read as _wtoi reads them: leading digits count, text is 0.
-    WriteAll(ini,
-             "[golf]\nswinglevel= 2 levels\nSwingSensitivity=abc\nClubType=1\n"
-             "FirstLaunch=x\n[Sound]\nEffect=99999999999\n");
+    WriteFileText(ini,
+                  "[golf]\nswinglevel= 2 levels\nSwingSensitivity=abc\nClubType=1\n"
+                  "FirstLaunch=x\n[Sound]\nEffect=99999999999\n");
     settings.LoadSetting();
     EXPECT_EQ(settings.GetDifficulty(), 2);
     EXPECT_EQ(settings.GetSensitivity(), 0);
@@ -105,7 +95,7 @@ TEST_F(Settings, StoredValuesAreReadAndClamped) {
     EXPECT_EQ(settings.GetVersion(), "0.0.0");
 
     // The value buffer holds 259 characters.
-    WriteAll(ini, "[Golf]\nVersion=" + std::string(300, '7') + "\n");
+    WriteFileText(ini, "[Golf]\nVersion=" + std::string(300, '7') + "\n");
     settings.LoadSetting();
     EXPECT_EQ(settings.GetVersion(), std::string(259, '7'));
 }
@@ -132,7 +122,7 @@ TEST_F(Settings, FirstLaunchFlipsOnEverySave) {
     for (const char* line : expected) {
         OrvSettings settings(dir.path());
         settings.SaveSetting();
-        EXPECT_NE(ReadAll(ini).find(line), std::string::npos) << ReadAll(ini);
+        EXPECT_NE(ReadFileText(ini).find(line), std::string::npos) << ReadFileText(ini);
     }
 }
 
@@ -149,7 +139,7 @@ TEST_F(Settings, SaveWritesEveryValueBack) {
         settings.recording = true;
         settings.SaveSetting();
     }
-    EXPECT_EQ(ReadAll(ini),
+    EXPECT_EQ(ReadFileText(ini),
               "[Golf]\nFirstLaunch=1\nSwingLevel=2\nSwingSensitivity=0\nClubType=1\n"
               "HideShotResult=1\nVersion=0.0.0\n\n\n[Sound]\nBackground=0\nEffect=0\n\n\n"
               "[Camera]\nShowPreview=1\nRecording=1\n");
@@ -166,33 +156,33 @@ TEST_F(Settings, SaveWritesEveryValueBack) {
 }
 
 TEST_F(Settings, SetVersionWritesAtOnceButKeepsTheLoadedVersion) {
-    WriteAll(ini, "[Golf]\nVersion=1.0.0\n");
+    WriteFileText(ini, "[Golf]\nVersion=1.0.0\n");
     OrvSettings settings(dir.path());
     settings.SetVersion("1.2.0");
-    EXPECT_EQ(ReadAll(ini), "[Golf]\nVersion=1.2.0\n");
+    EXPECT_EQ(ReadFileText(ini), "[Golf]\nVersion=1.2.0\n");
     EXPECT_EQ(settings.GetVersion(), "1.0.0");
     // A later save stores the version that was loaded.
     settings.SaveSetting();
-    EXPECT_NE(ReadAll(ini).find("Version=1.0.0\n"), std::string::npos);
+    EXPECT_NE(ReadFileText(ini).find("Version=1.0.0\n"), std::string::npos);
 }
 
 TEST_F(Settings, SaveKeepsCommentsUnknownKeysAndSections) {
-    WriteAll(ini,
-             "; Orvane X settings, edited by hand\r\n"
-             "[Golf]\r\n"
-             "; how hard the ball flight is\r\n"
-             "SwingLevel=0\r\n"
-             "MyOwnKey=keep me\r\n"
-             "[E6]\r\n"
-             "WriteableFilesPath=/nowhere/e6\r\n"
-             "[Sound]\r\n"
-             "# no music please\r\n"
-             "Background=0\r\n"
-             "; the end\r\n");
+    WriteFileText(ini,
+                  "; Orvane X settings, edited by hand\r\n"
+                  "[Golf]\r\n"
+                  "; how hard the ball flight is\r\n"
+                  "SwingLevel=0\r\n"
+                  "MyOwnKey=keep me\r\n"
+                  "[E6]\r\n"
+                  "WriteableFilesPath=/nowhere/e6\r\n"
+                  "[Sound]\r\n"
+                  "# no music please\r\n"
+                  "Background=0\r\n"
+                  "; the end\r\n");
     OrvSettings settings(dir.path());
     settings.SetDifficulty(2);
     settings.SaveSetting();
-    const std::string text = ReadAll(ini);
+    const std::string text = ReadFileText(ini);
     EXPECT_EQ(text,
               "; Orvane X settings, edited by hand\n\n\n"
               "[Golf]\n\n"
@@ -237,7 +227,7 @@ TEST_F(Settings, UnusableFilesLoadAsDefaultsWithOneLogLine) {
         if (std::string(c.name) == "unreadable") {
             fs::create_directory(ini);
         } else {
-            WriteAll(ini, c.content);
+            WriteFileText(ini, c.content);
         }
         ScrambleSwingValues();
         orv::test::StdoutCapture out;
@@ -255,7 +245,7 @@ TEST_F(Settings, UnusableFilesLoadAsDefaultsWithOneLogLine) {
 // leave the old file as it was and no temporary file behind.
 TEST_F(Settings, FailedSaveLeavesTheOldFileIntact) {
     const std::string old = "[Golf]\n; " + std::string(600, 'x') + "\nSwingLevel=0\n";
-    WriteAll(ini, old);
+    WriteFileText(ini, old);
     OrvSettings settings(dir.path());
     settings.SetDifficulty(2);
 
@@ -272,7 +262,7 @@ TEST_F(Settings, FailedSaveLeavesTheOldFileIntact) {
     std::signal(SIGXFSZ, previous);
     ShowLog(false, false);
 
-    EXPECT_EQ(ReadAll(ini), old);
+    EXPECT_EQ(ReadFileText(ini), old);
     EXPECT_EQ(CountOf(out.Text(), "write error:0x1b\n"), 1u) << out.Text();
     size_t files = 0;
     for ([[maybe_unused]] const auto& entry : fs::directory_iterator(dir.path())) {
@@ -285,20 +275,20 @@ TEST_F(Settings, FailedSaveLeavesTheOldFileIntact) {
 // the save logs once and the file in the way stays as it was.
 TEST_F(Settings, SaveIntoAFolderThatCannotBeWrittenChangesNothing) {
     const fs::path blocked = dir.path() / "not-a-folder";
-    WriteAll(blocked, "in the way\n");
+    WriteFileText(blocked, "in the way\n");
     OrvSettings settings(blocked);
     orv::test::StdoutCapture out;
     ShowLog(true, false);
     settings.SaveSetting();
     ShowLog(false, false);
-    EXPECT_EQ(ReadAll(blocked), "in the way\n");
+    EXPECT_EQ(ReadFileText(blocked), "in the way\n");
     EXPECT_EQ(CountOf(out.Text(), "mkostemp error:0x14\n"), 1u) << out.Text();
 }
 
 TEST_F(Settings, DumpWhenTheLogIsOn) {
-    WriteAll(ini,
-             "[Golf]\nSwingLevel=2\nSwingSensitivity=0\nClubType=1\nHideShotResult=1\n"
-             "[Sound]\nBackground=0\n[Camera]\nRecording=1\n");
+    WriteFileText(ini,
+                  "[Golf]\nSwingLevel=2\nSwingSensitivity=0\nClubType=1\nHideShotResult=1\n"
+                  "[Sound]\nBackground=0\n[Camera]\nRecording=1\n");
     gUserDependsData.hands = 1;
     {
         orv::test::StdoutCapture out;

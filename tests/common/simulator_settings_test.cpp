@@ -2,27 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "common/debug_log.h"
 #include "common/settings.h"
+#include "tests/common/file_text.h"
 #include "tests/support/test_support.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void WriteAll(const fs::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
+using orv::test::ReadFileText;
+using orv::test::WriteFileText;
 
 // As the simulator writes it (shortened).
 const char kDefaultsStg[] =
@@ -50,20 +39,20 @@ struct ShowResult : ::testing::Test {
     ~ShowResult() override { ShowLog(false, false); }
 
     void PointSettingsAtSimulator() {
-        WriteAll(dir.path() / "settings.ini", "[E6]\nWriteableFilesPath=" + simulator.string() +
-                                                  "\nDefaultPath=/opt/e6\n");
+        WriteFileText(dir.path() / "settings.ini",
+                      "[E6]\nWriteableFilesPath=" + simulator.string() + "\nDefaultPath=/opt/e6\n");
     }
 };
 
 TEST_F(ShowResult, AnalysersFollowTheHiddenResultScreenAndTheRestStays) {
     PointSettingsAtSimulator();
-    WriteAll(stg, kDefaultsStg);
+    WriteFileText(stg, kDefaultsStg);
     OrvSettings settings(dir.path());
     EXPECT_EQ(settings.GetSimulatorPath("DefaultPath"), "/opt/e6");
 
     settings.hideShotResult = true;
     settings.SaveShowResult();
-    EXPECT_EQ(ReadAll(stg), kShown);
+    EXPECT_EQ(ReadFileText(stg), kShown);
 
     settings.hideShotResult = false;
     settings.SaveSetting();
@@ -71,16 +60,17 @@ TEST_F(ShowResult, AnalysersFollowTheHiddenResultScreenAndTheRestStays) {
     for (size_t at; (at = hidden.find("\"True\"")) != std::string::npos;) {
         hidden.replace(at, 6, "\"False\"");
     }
-    EXPECT_EQ(ReadAll(stg), hidden);
+    EXPECT_EQ(ReadFileText(stg), hidden);
 }
 
 TEST_F(ShowResult, FilesWithoutTheElementsAreRewrittenUnchangedInContent) {
-    const std::string other = "<SettingsFile>\n\t<Other ShowPostShotAnalyzer=\"x\" />\n</SettingsFile>\n";
+    const std::string other =
+        "<SettingsFile>\n\t<Other ShowPostShotAnalyzer=\"x\" />\n</SettingsFile>\n";
     std::string updated;
     ASSERT_TRUE(orv::SetShowResultXml(other, true, updated));
     EXPECT_EQ(updated, "<?xml version=\"1.0\"?>\n" + other);
-    ASSERT_TRUE(orv::SetShowResultXml("<SettingsFile><InterfaceSettings Units=\"Yards\"/></SettingsFile>",
-                                      true, updated));
+    ASSERT_TRUE(orv::SetShowResultXml(
+        "<SettingsFile><InterfaceSettings Units=\"Yards\"/></SettingsFile>", true, updated));
     EXPECT_EQ(updated,
               "<?xml version=\"1.0\"?>\n<SettingsFile>\n\t<InterfaceSettings Units=\"Yards\" "
               "/>\n</SettingsFile>\n")
@@ -98,13 +88,13 @@ TEST_F(ShowResult, MalformedOrMissingFilesAreLeftAlone) {
     EXPECT_FALSE(fs::exists(stg)) << "a missing file is not created";
 
     const std::string broken = std::string(kDefaultsStg).substr(0, 120);
-    WriteAll(stg, broken);
+    WriteFileText(stg, broken);
     settings.SaveShowResult();
-    EXPECT_EQ(ReadAll(stg), broken);
+    EXPECT_EQ(ReadFileText(stg), broken);
 
-    WriteAll(stg, "");
+    WriteFileText(stg, "");
     settings.SaveShowResult();
-    EXPECT_EQ(ReadAll(stg), "");
+    EXPECT_EQ(ReadFileText(stg), "");
     ShowLog(false, false);
 
     const std::string log = out.Text();
@@ -113,7 +103,7 @@ TEST_F(ShowResult, MalformedOrMissingFilesAreLeftAlone) {
 }
 
 TEST_F(ShowResult, UnknownSimulatorFolderWritesNothingAnywhere) {
-    WriteAll(dir.path() / "settings.ini", "[E6]\nWriteableFilesPath=\n");
+    WriteFileText(dir.path() / "settings.ini", "[E6]\nWriteableFilesPath=\n");
     const bool rootHadOne = fs::exists("/defaults.stg");
     OrvSettings settings(dir.path());
     orv::test::StdoutCapture out;
