@@ -7,8 +7,6 @@
 #define SI_IMPLEMENTATION
 #include <SimpleIni.h>
 
-#include <list>
-
 namespace orv {
 
 namespace {
@@ -44,6 +42,9 @@ struct IniDocument::Impl {
         ini.SetMultiKey(false);
         ini.SetMultiLine(false);
         ini.SetSpaces(false);
+        // Like GetPrivateProfileString: a value in double quotes is read
+        // without them (and blanks at its ends are kept by quoting).
+        ini.SetQuotes(true);
     }
 };
 

@@ -94,6 +94,11 @@ TEST_F(Settings, StoredValuesAreReadAndClamped) {
     EXPECT_TRUE(settings.effectSound);
     EXPECT_EQ(settings.GetVersion(), "0.0.0");
 
+    // Quotes around a value are not part of it.
+    WriteFileText(ini, "[Golf]\nVersion=\"2.0.0\"\n");
+    settings.LoadSetting();
+    EXPECT_EQ(settings.GetVersion(), "2.0.0");
+
     // The value buffer holds 259 characters.
     WriteFileText(ini, "[Golf]\nVersion=" + std::string(300, '7') + "\n");
     settings.LoadSetting();
