@@ -1,0 +1,70 @@
+#include "common/string_res.h"
+
+#include <mutex>
+#include <utility>
+
+#include "common/debug_log.h"
+#include "common/file_access.h"
+#include "common/string_table.h"
+
+namespace {
+
+// A table is a few kilobytes; this only stops a wrong file.
+constexpr size_t kMaxTableBytes = 1 << 20;
+
+// Guards gStrings: loaded on the UI thread at start-up, read by every thread.
+std::mutex gStringsMutex;
+orv::StringTable gStrings;
+
+}  // namespace
+
+namespace orv {
+
+const char* LanguageFolderName(int languageId) {
+    switch (languageId) {
+        case 1041:
+            return "ja";
+        case 1042:
+            return "ko";
+        case 2052:
+            return "zh";
+        default:
+            return "en";
+    }
+}
+
+std::filesystem::path ProgramFolder() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::filesystem::path() : program.parent_path();
+}
+
+}  // namespace orv
+
+std::string GetStringRes(unsigned id) {
+    std::lock_guard lock(gStringsMutex);
+    const auto found = gStrings.find(id);
+    return found == gStrings.end() ? std::string() : found->second;
+}
+
+bool LoadLanguageModule(int languageId) {
+    return LoadLanguageModuleFrom(orv::ProgramFolder() / "lang", languageId);
+}
+
+bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languageId) {
+    const std::filesystem::path path =
+        langFolder / orv::LanguageFolderName(languageId) / "strings.tsv";
+    std::string text;
+    const orv::FileRead read = orv::ReadSmallFile(path, kMaxTableBytes, text);
+    if (read != orv::FileRead::Ok) {
+        LOG_ERROR("%s: %s\n", path.c_str(), orv::FileReadText(read));
+    }
+    size_t rejected = 0;
+    orv::StringTable table = orv::ParseStringTable(text, &rejected);
+    if (rejected != 0) {
+        LOG_ERROR("%s: %zu lines are not entries\n", path.c_str(), rejected);
+    }
+    std::lock_guard lock(gStringsMutex);
+    gStrings = std::move(table);
+    return read == orv::FileRead::Ok;
+}

@@ -1,0 +1,26 @@
+// Interface texts of the language chosen at start-up, by resource id. Each
+// language has its own table in a folder named after it (en, ja, ko, zh)
+// inside the lang/ folder beside the program.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+// The text of `id` in the loaded language; empty when there is none.
+std::string GetStringRes(unsigned id);
+
+// Loads the table for `languageId` (1041 ja, 1042 ko, 2052 zh, any other en)
+// from the lang/ folder beside the program. False, with every text empty,
+// when it cannot be loaded.
+bool LoadLanguageModule(int languageId);
+// The same from an explicit lang/ folder.
+bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languageId);
+
+namespace orv {
+
+// "ja", "ko", "zh" or "en".
+const char* LanguageFolderName(int languageId);
+// The folder of the running executable.
+std::filesystem::path ProgramFolder();
+
+}  // namespace orv

@@ -1,0 +1,118 @@
+#include "common/simulator_settings.h"
+
+#include <gtest/gtest.h>
+
+#include "common/debug_log.h"
+#include "common/settings.h"
+#include "tests/common/file_text.h"
+#include "tests/support/test_support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using orv::test::ReadFileText;
+using orv::test::WriteFileText;
+
+// As the simulator writes it (shortened).
+const char kDefaultsStg[] =
+    "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n"
+    "<SettingsFile Version=\"3\">\r\n"
+    "  <InterfaceSettings ShowDrivingRangeAnalyzer=\"False\" Units=\"Yards\" "
+    "ShowPostShotAnalyzer=\"False\" />\r\n"
+    "  <AudioSettings Master=\"0.8\">crowd &amp; birds</AudioSettings>\r\n"
+    "</SettingsFile>\r\n";
+
+const char kShown[] =
+    "<?xml version=\"1.0\"?>\n"
+    "<SettingsFile Version=\"3\">\n"
+    "\t<InterfaceSettings ShowDrivingRangeAnalyzer=\"True\" Units=\"Yards\" "
+    "ShowPostShotAnalyzer=\"True\" />\n"
+    "\t<AudioSettings Master=\"0.8\">crowd &amp; birds</AudioSettings>\n"
+    "</SettingsFile>\n";
+
+struct ShowResult : ::testing::Test {
+    orv::test::TempDir dir;
+    fs::path simulator = dir.path() / "E6 Golf";
+    fs::path stg = simulator / "defaults.stg";
+
+    ShowResult() { fs::create_directory(simulator); }
+    ~ShowResult() override { ShowLog(false, false); }
+
+    void PointSettingsAtSimulator() {
+        WriteFileText(dir.path() / "settings.ini",
+                      "[E6]\nWriteableFilesPath=" + simulator.string() + "\nDefaultPath=/opt/e6\n");
+    }
+};
+
+TEST_F(ShowResult, AnalysersFollowTheHiddenResultScreenAndTheRestStays) {
+    PointSettingsAtSimulator();
+    WriteFileText(stg, kDefaultsStg);
+    OrvSettings settings(dir.path());
+    EXPECT_EQ(settings.GetSimulatorPath("DefaultPath"), "/opt/e6");
+
+    settings.hideShotResult = true;
+    settings.SaveShowResult();
+    EXPECT_EQ(ReadFileText(stg), kShown);
+
+    settings.hideShotResult = false;
+    settings.SaveSetting();
+    std::string hidden = kShown;
+    for (size_t at; (at = hidden.find("\"True\"")) != std::string::npos;) {
+        hidden.replace(at, 6, "\"False\"");
+    }
+    EXPECT_EQ(ReadFileText(stg), hidden);
+}
+
+TEST_F(ShowResult, FilesWithoutTheElementsAreRewrittenUnchangedInContent) {
+    const std::string other =
+        "<SettingsFile>\n\t<Other ShowPostShotAnalyzer=\"x\" />\n</SettingsFile>\n";
+    std::string updated;
+    ASSERT_TRUE(orv::SetShowResultXml(other, true, updated));
+    EXPECT_EQ(updated, "<?xml version=\"1.0\"?>\n" + other);
+    ASSERT_TRUE(orv::SetShowResultXml(
+        "<SettingsFile><InterfaceSettings Units=\"Yards\"/></SettingsFile>", true, updated));
+    EXPECT_EQ(updated,
+              "<?xml version=\"1.0\"?>\n<SettingsFile>\n\t<InterfaceSettings Units=\"Yards\" "
+              "/>\n</SettingsFile>\n")
+        << "missing attributes are not added";
+}
+
+TEST_F(ShowResult, MalformedOrMissingFilesAreLeftAlone) {
+    PointSettingsAtSimulator();
+    OrvSettings settings(dir.path());
+    settings.hideShotResult = true;
+
+    orv::test::StdoutCapture out;
+    ShowLog(true, false);
+    settings.SaveShowResult();
+    EXPECT_FALSE(fs::exists(stg)) << "a missing file is not created";
+
+    const std::string broken = std::string(kDefaultsStg).substr(0, 120);
+    WriteFileText(stg, broken);
+    settings.SaveShowResult();
+    EXPECT_EQ(ReadFileText(stg), broken);
+
+    WriteFileText(stg, "");
+    settings.SaveShowResult();
+    EXPECT_EQ(ReadFileText(stg), "");
+    ShowLog(false, false);
+
+    const std::string log = out.Text();
+    EXPECT_EQ(orv::test::CountOf(log, "defaults.stg: missing, not updated\n"), 1u) << log;
+    EXPECT_EQ(orv::test::CountOf(log, "defaults.stg: not XML, not updated\n"), 2u) << log;
+}
+
+TEST_F(ShowResult, UnknownSimulatorFolderWritesNothingAnywhere) {
+    WriteFileText(dir.path() / "settings.ini", "[E6]\nWriteableFilesPath=\n");
+    const bool rootHadOne = fs::exists("/defaults.stg");
+    OrvSettings settings(dir.path());
+    orv::test::StdoutCapture out;
+    ShowLog(true, false);
+    settings.SaveSetting();
+    ShowLog(false, false);
+    EXPECT_EQ(fs::exists("/defaults.stg"), rootHadOne);
+    EXPECT_FALSE(fs::exists(dir.path() / "defaults.stg"));
+    EXPECT_EQ(orv::test::CountOf(out.Text(), "WriteableFilesPath unknown"), 1u) << out.Text();
+}
+
+}  // namespace

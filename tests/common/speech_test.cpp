@@ -1,0 +1,246 @@
+#include "common/speech.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "common/debug_log.h"
+#include "common/language_id.h"
+#include "common/settings.h"
+#include "common/string_res.h"
+#include "tests/common/announcements.h"
+#include "tests/common/env_var.h"
+#include "tests/support/test_support.h"
+
+namespace {
+
+using orv::test::Eventually;
+using orv::test::kLanguages;
+using Samples = std::vector<int16_t>;
+
+// What the voice played, shared with the test after the voice is gone.
+struct Played {
+    // Guards everything below.
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<Samples> clips;
+    bool gateOpen = true;
+    bool playing = false;
+    bool stoppedEarly = false;
+
+    size_t Count() {
+        std::lock_guard lock(mutex);
+        return clips.size();
+    }
+    void SetGate(bool open) {
+        {
+            std::lock_guard lock(mutex);
+            gateOpen = open;
+        }
+        changed.notify_all();
+    }
+};
+
+// Stands in for the sound server: records each announcement, and while the
+// gate is closed holds it "playing" until the voice asks to stop.
+class RecordingOutput final : public orv::SpeechOutput {
+public:
+    explicit RecordingOutput(std::shared_ptr<Played> played) : played_(std::move(played)) {}
+
+    void Play(const Samples& samples, const std::atomic<bool>& keepPlaying) override {
+        std::unique_lock lock(played_->mutex);
+        played_->playing = true;
+        while (!played_->gateOpen && keepPlaying) {
+            played_->changed.wait_for(lock, std::chrono::milliseconds(5));
+        }
+        played_->playing = false;
+        if (!keepPlaying) {
+            played_->stoppedEarly = true;
+            return;
+        }
+        played_->clips.push_back(samples);
+    }
+
+private:
+    std::shared_ptr<Played> played_;
+};
+
+bool Audible(const Samples& samples) {
+    const auto loudest = std::max_element(samples.begin(), samples.end(), [](int16_t a, int16_t b) {
+        return std::abs(static_cast<int>(a)) < std::abs(static_cast<int>(b));
+    });
+    return samples.size() > 2000 && loudest != samples.end() && std::abs(*loudest) > 1000;
+}
+
+// espeak-ng's output for a text varies with what it spoke before (by up to
+// a tenth); the test texts differ in length by far more than that.
+bool SameSpeech(const Samples& a, const Samples& b) {
+    const size_t difference = a.size() > b.size() ? a.size() - b.size() : b.size() - a.size();
+    return !b.empty() && difference <= b.size() / 4;
+}
+
+struct Speech : ::testing::Test {
+    orv::test::EnvVar all{"LC_ALL", nullptr};
+    orv::test::EnvVar messages{"LC_MESSAGES", nullptr};
+    orv::test::EnvVar lang{"LANG", "en_US.UTF-8"};
+    std::shared_ptr<Played> played = std::make_shared<Played>();
+
+    ~Speech() override {
+        TTS_DeInit();
+        OrvSettings::ReleaseInstance();
+        ShowLog(false, false);
+        LoadLanguageModule(1033);
+    }
+    bool Start() { return TTS_InitWithOutput(std::make_unique<RecordingOutput>(played)); }
+};
+
+TEST(SpeechVoice, LanguageIdsChooseTheirVoices) {
+    EXPECT_STREQ(orv::SpeechVoiceFor(1042), "ko");
+    EXPECT_STREQ(orv::SpeechVoiceFor(1033), "en-us");
+    EXPECT_STREQ(orv::SpeechVoiceFor(1041), "ja");
+    EXPECT_STREQ(orv::SpeechVoiceFor(2052), "cmn-latn-pinyin");
+    EXPECT_STREQ(orv::SpeechVoiceFor(1031), "en-us");
+    EXPECT_STREQ(orv::SpeechVoiceFor(2057), "en-us");
+}
+
+// Each spoken text of each table, as the session fills it, gives audible
+// speech, read by its own language's rules (espeak-ng marks a switch to
+// other rules, e.g. "(en)" for a word it cannot read, with a parenthesis).
+TEST(SpeechVoice, EveryAnnouncementIsSpokenInEveryLanguage) {
+    for (const auto& language : kLanguages) {
+        SCOPED_TRACE(language.folder);
+        ASSERT_TRUE(LoadLanguageModule(language.id));
+        const std::vector<std::string> texts = {
+            GetStringRes(162),
+            GetStringRes(165),
+            GetStringRes(168),
+            GetStringRes(172),
+            orv::test::FormatDistance(GetStringRes(169), GetStringRes(170), 152),
+            orv::test::FormatDistance(GetStringRes(169), GetStringRes(171), 24),
+        };
+        for (const std::string& text : texts) {
+            EXPECT_TRUE(Audible(TTS_SynthesizeToMemory(text, language.id))) << text;
+            const std::string phonemes = orv::SpeechPhonemes(text, language.id);
+            EXPECT_EQ(phonemes.find('('), std::string::npos) << text << " -> " << phonemes;
+        }
+        // The quit question names the product, which is read as English.
+        EXPECT_TRUE(Audible(TTS_SynthesizeToMemory(GetStringRes(167), language.id)));
+    }
+    LoadLanguageModule(1033);
+}
+
+TEST(SpeechVoice, MissingVoiceFallsBackToTheDefaultVoice) {
+    EXPECT_TRUE(Audible(orv::SynthesizeSpeech("Sensor connected.", "no-such-voice")));
+    EXPECT_TRUE(SameSpeech(orv::SynthesizeSpeech("Sensor connected.", "en-us"),
+                           TTS_SynthesizeToMemory("Sensor connected.", 1033)));
+    EXPECT_FALSE(SameSpeech(TTS_SynthesizeToMemory("Sensor connected.", 1033),
+                            TTS_SynthesizeToMemory("Ready.", 1033)));
+    EXPECT_TRUE(TTS_SynthesizeToMemory("", 1033).empty());
+}
+
+TEST_F(Speech, AnnouncementsAreQueuedInOrderWithoutBlockingTheCaller) {
+    orv::test::StdoutCapture out;
+    ShowLog(true, false);
+    ASSERT_TRUE(Start());
+    EXPECT_NE(out.Text().find("] TTS Lang 1033\n"), std::string::npos) << out.Text();
+
+    played->SetGate(false);
+    const std::vector<std::string> texts = {"Sensor connected.", "Ready.",
+                                            "Sensor battery is low. Please charge it soon."};
+    for (const auto& text : texts) {
+        TTS_Speak(text);  // returns although the output is held
+    }
+    ASSERT_TRUE(Eventually([&] {
+        std::lock_guard lock(played->mutex);
+        return played->playing;
+    }));
+    EXPECT_EQ(played->Count(), 0u);
+    played->SetGate(true);
+    ASSERT_TRUE(Eventually([&] { return played->Count() == texts.size(); }));
+    for (size_t i = 0; i < texts.size(); ++i) {
+        EXPECT_TRUE(SameSpeech(played->clips[i], TTS_SynthesizeToMemory(texts[i], 1033)))
+            << texts[i];
+    }
+}
+
+TEST_F(Speech, EffectSoundOffSilencesEveryCaller) {
+    orv::test::TempDir dir;
+    OrvSettings* settings = OrvSettings::GetInstanceIn(dir.path());
+    ASSERT_TRUE(Start());
+    settings->effectSound = false;
+    std::thread([] { TTS_Speak("Sensor disconnected."); }).join();
+    TTS_Speak("Sensor disconnected.");
+    settings->effectSound = true;
+    TTS_Speak("Ready.");
+    ASSERT_TRUE(Eventually([&] { return played->Count() == 1; }));
+    EXPECT_TRUE(SameSpeech(played->clips[0], TTS_SynthesizeToMemory("Ready.", 1033)));
+}
+
+TEST_F(Speech, NothingIsSpokenBeforeInitOrAfterDeInit) {
+    TTS_Speak("Ready.");
+    ASSERT_TRUE(Start());
+    TTS_Speak("");
+    TTS_Speak("Sensor connected.");
+    ASSERT_TRUE(Eventually([&] { return played->Count() == 1; }));
+    TTS_DeInit();
+    TTS_Speak("Ready.");
+    TTS_DeInit();
+    EXPECT_EQ(played->Count(), 1u);
+}
+
+TEST_F(Speech, DeInitCutsTheCurrentAnnouncementShort) {
+    ASSERT_TRUE(Start());
+    played->SetGate(false);
+    TTS_Speak("Sensor battery is low. Please charge it soon.");
+    TTS_Speak("Ready.");
+    ASSERT_TRUE(Eventually([&] {
+        std::lock_guard lock(played->mutex);
+        return played->playing;
+    }));
+    TTS_DeInit();
+    std::lock_guard lock(played->mutex);
+    EXPECT_TRUE(played->stoppedEarly);
+    EXPECT_TRUE(played->clips.empty()) << "the queued announcement is dropped";
+}
+
+TEST_F(Speech, SpeakingWhileSpeechStartsAndStops) {
+    std::atomic<bool> running{true};
+    std::vector<std::thread> speakers;
+    for (int i = 0; i < 3; ++i) {
+        speakers.emplace_back([&running] {
+            while (running) {
+                TTS_Speak("Ready.");
+            }
+        });
+    }
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(Start());
+        TTS_DeInit();
+    }
+    running = false;
+    for (auto& speaker : speakers) {
+        speaker.join();
+    }
+}
+
+// This machine has no sound server: speech must fail to start with its log
+// line, and the program carries on silently.
+TEST_F(Speech, WithoutASoundServerInitFailsAndSpeechStaysSilent) {
+    orv::test::StdoutCapture out;
+    ShowLog(true, false);
+    if (TTS_Init()) {
+        GTEST_SKIP() << "a sound server is reachable here";
+    }
+    EXPECT_NE(out.Text().find("] [TTS_Init("), std::string::npos) << out.Text();
+    EXPECT_NE(out.Text().find(")] TTS Initialize error: "), std::string::npos) << out.Text();
+    TTS_Speak("Ready.");
+    TTS_DeInit();
+}
+
+}  // namespace
