@@ -1,5 +1,7 @@
 #include "common/string_res.h"
 
+#include <cstdio>
+
 #include <mutex>
 #include <utility>
 
@@ -68,3 +70,12 @@ bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languag
     gStrings = std::move(table);
     return read == orv::FileRead::Ok;
 }
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+std::string FormatDistanceText(const std::string& format, const std::string& unit, int number) {
+    char text[260];
+    std::snprintf(text, sizeof text, format.c_str(), unit.c_str(), number);
+    return text;
+}
+#pragma GCC diagnostic pop

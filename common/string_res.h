@@ -9,6 +9,10 @@
 // The text of `id` in the loaded language; empty when there is none.
 std::string GetStringRes(unsigned id);
 
+// Fills a distance text (string 169) with its unit word and whole number, at
+// most 259 characters. The table texts refer to them as %1$s and %2$d.
+std::string FormatDistanceText(const std::string& format, const std::string& unit, int number);
+
 // Loads the table for `languageId` (1041 ja, 1042 ko, 2052 zh, any other en)
 // from the lang/ folder beside the program. False, with every text empty,
 // when it cannot be loaded.

@@ -4,12 +4,11 @@
 #include <cstdio>
 
 #include "common/debug_log.h"
-#include "common/settings.h"
 #include "common/speech.h"
 #include "common/string_res.h"
 #include "protocol/code_tables.h"
 #include "session/orv_manager.h"
-#include "simulator/ball_flight.h"
+#include "simulator/shot_records.h"
 #include "simulator/club_tables.h"
 #include "simulator/trusim_messages.h"
 
@@ -341,9 +340,7 @@ void OrvManager::OnE6EnvironmentData(E6EnvironmentData data) {
     if (format.empty()) {
         return;
     }
-    char text[260];
-    std::snprintf(text, sizeof text, format.c_str(), unit.c_str(), number);
-    TTS_Speak(text);
+    TTS_Speak(FormatDistanceText(format, unit, number));
 }
 
 void OrvManager::OnE6ArmState(int armState) {

@@ -121,8 +121,8 @@ TEST(SpeechVoice, EveryAnnouncementIsSpokenInEveryLanguage) {
             GetStringRes(165),
             GetStringRes(168),
             GetStringRes(172),
-            orv::test::FormatDistance(GetStringRes(169), GetStringRes(170), 152),
-            orv::test::FormatDistance(GetStringRes(169), GetStringRes(171), 24),
+            FormatDistanceText(GetStringRes(169), GetStringRes(170), 152),
+            FormatDistanceText(GetStringRes(169), GetStringRes(171), 24),
         };
         for (const std::string& text : texts) {
             EXPECT_TRUE(Audible(TTS_SynthesizeToMemory(text, language.id))) << text;

@@ -83,17 +83,17 @@ TEST_F(StringRes, EveryLanguageHasEveryText) {
 
         for (const std::string& unit :
              {std::string("yards"), GetStringRes(170), GetStringRes(171)}) {
-            const std::string text = orv::test::FormatDistance(GetStringRes(169), unit, 150);
+            const std::string text = FormatDistanceText(GetStringRes(169), unit, 150);
             EXPECT_NE(text.find("150"), std::string::npos) << text;
             EXPECT_NE(text.find(unit), std::string::npos) << text;
             EXPECT_EQ(text.find('%'), std::string::npos) << text;
         }
     }
     LoadLanguageModule(1033);
-    EXPECT_EQ(orv::test::FormatDistance(GetStringRes(169), GetStringRes(170), 150),
+    EXPECT_EQ(FormatDistanceText(GetStringRes(169), GetStringRes(170), 150),
               "150 yards to the pin.");
     LoadLanguageModule(1041);
-    EXPECT_EQ(orv::test::FormatDistance(GetStringRes(169), GetStringRes(170), 150),
+    EXPECT_EQ(FormatDistanceText(GetStringRes(169), GetStringRes(170), 150),
               "ピンまで150ヤードです。");
 }
 
