@@ -31,6 +31,9 @@ constexpr size_t kMaxAddressLength = 259;
 E6TruSimClient::E6TruSimClient() = default;
 
 E6TruSimClient::~E6TruSimClient() {
+    // The listener may be gone already (it may go right after Stop), so the
+    // final Stop notifies nobody.
+    listener_.store(nullptr);
     Stop();
 }
 

@@ -34,6 +34,7 @@ public:
     static constexpr int kDisarmed = 1;
 
     E6TruSimClient();
+    // Stops without notifying the listener.
     virtual ~E6TruSimClient();
     E6TruSimClient(const E6TruSimClient&) = delete;
     E6TruSimClient& operator=(const E6TruSimClient&) = delete;

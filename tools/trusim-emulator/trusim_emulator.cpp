@@ -57,7 +57,7 @@ std::string Command(const char* command) {
 std::string DescribeShot(const TruSimShot& shot) {
     char line[256];
     std::snprintf(line, sizeof line,
-                  "%s: ball speed %.2f, launch angle %.2f, direction %.2f, back spin %.0f, "
+                  "%s, ball speed %.2f, launch angle %.2f, direction %.2f, back spin %.0f, "
                   "side spin %.0f",
                   shot.club.c_str(), shot.ballSpeed, shot.launchAngle, shot.launchDirection,
                   shot.backSpin, shot.sideSpin);
@@ -318,8 +318,9 @@ void TruSimEmulator::CheckChallenge(const std::shared_ptr<TcpSocket>& connection
     Send(connection, Dump(Json{{"Type", "Authentication"}, {"Success", success}}));
     Report(success ? "authenticated" : "authentication refused");
     if (success && greeting) {
-        if (Send(connection, PlayerDataJson()) && Send(connection, EnvironmentDataJson())) {
-            Send(connection, Command("Arm"));
+        if (Send(connection, PlayerDataJson()) && Send(connection, EnvironmentDataJson()) &&
+            Send(connection, Command("Arm"))) {
+            ReportArmed();
         }
     }
 }
@@ -346,8 +347,8 @@ void TruSimEmulator::TakeShot(const std::shared_ptr<TcpSocket>& connection) {
                 std::uniform_int_distribution<int> yards(20, 250);
                 distanceToPin_ = yards(random_);
             }
-            if (SendEnvironmentData()) {
-                Arm();
+            if (SendEnvironmentData() && Arm()) {
+                ReportArmed();
             }
         });
     }
@@ -459,6 +460,17 @@ void TruSimEmulator::Report(const std::string& line) const {
     if (reporter) {
         reporter(line);
     }
+}
+
+void TruSimEmulator::ReportArmed() const {
+    double distance;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        distance = distanceToPin_;
+    }
+    char line[64];
+    std::snprintf(line, sizeof line, "armed, %.1f yards to the pin", distance);
+    Report(line);
 }
 
 void TruSimEmulator::SetReporter(std::function<void(const std::string&)> reporter) {

@@ -33,7 +33,7 @@ struct TruSimShot {
     double clubAnglePath = 0.0;
 };
 
-// "Driver: ball speed 139.12, launch angle 11.88, direction -2.00, back spin 2600, side spin -350"
+// "Driver, ball speed 139.12, launch angle 11.88, direction -2.00, back spin 2600, side spin -350"
 std::string DescribeShot(const TruSimShot& shot);
 
 struct TruSimEmulatorOptions {
@@ -125,6 +125,7 @@ private:
     std::string EnvironmentDataJson() const;
     std::shared_ptr<TcpSocket> Current() const;
     void Report(const std::string& line) const;
+    void ReportArmed() const;
 
     const TruSimEmulatorOptions options_;
     int listenFd_ = -1;
