@@ -148,8 +148,7 @@ void TruSimEmulator::Stop() {
 }
 
 int TruSimEmulator::Port() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return port_;
+    return GetGuarded(port_);
 }
 
 void TruSimEmulator::ServeLoop() {
@@ -447,80 +446,61 @@ std::string TruSimEmulator::EnvironmentDataJson() const {
 }
 
 std::shared_ptr<TcpSocket> TruSimEmulator::Current() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return connection_;
+    return GetGuarded(connection_);
 }
 
 void TruSimEmulator::Report(const std::string& line) const {
-    std::function<void(const std::string&)> reporter;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        reporter = reporter_;
-    }
+    // Called without the lock: a reporter may take its time.
+    const auto reporter = GetGuarded(reporter_);
     if (reporter) {
         reporter(line);
     }
 }
 
 void TruSimEmulator::ReportArmed() const {
-    double distance;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        distance = distanceToPin_;
-    }
     char line[64];
-    std::snprintf(line, sizeof line, "armed, %.1f yards to the pin", distance);
+    std::snprintf(line, sizeof line, "armed, %.1f yards to the pin", GetGuarded(distanceToPin_));
     Report(line);
 }
 
 void TruSimEmulator::SetReporter(std::function<void(const std::string&)> reporter) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    reporter_ = std::move(reporter);
+    SetGuarded(reporter_, std::move(reporter));
 }
 
 void TruSimEmulator::SetRefuseAuthentication(bool refuse) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    refuseAuthentication_ = refuse;
+    SetGuarded(refuseAuthentication_, refuse);
 }
 
 void TruSimEmulator::SetAnswerHandshake(bool answer) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    answerHandshake_ = answer;
+    SetGuarded(answerHandshake_, answer);
 }
 
 void TruSimEmulator::SetReplyDelay(std::chrono::milliseconds delay) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    replyDelay_ = delay;
+    SetGuarded(replyDelay_, delay);
 }
 
 void TruSimEmulator::SetChallenge(const std::string& challenge) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    fixedChallenge_ = challenge;
+    SetGuarded(fixedChallenge_, challenge);
 }
 
 void TruSimEmulator::SetGreeting(bool on) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    greeting_ = on;
+    SetGuarded(greeting_, on);
 }
 
 void TruSimEmulator::SetRearmAfterShot(bool on) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    rearmAfterShot_ = on;
+    SetGuarded(rearmAfterShot_, on);
 }
 
 void TruSimEmulator::SetClub(const std::string& name) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    club_ = name;
+    SetGuarded(club_, name);
 }
 
 void TruSimEmulator::SetHanded(const std::string& handed) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    handed_ = handed;
+    SetGuarded(handed_, handed);
 }
 
 void TruSimEmulator::SetDistanceToPin(double yards) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    distanceToPin_ = yards;
+    SetGuarded(distanceToPin_, yards);
 }
 
 bool TruSimEmulator::SendMessage(const std::string& json) {
@@ -589,33 +569,27 @@ bool TruSimEmulator::DropConnection(bool reset) {
 }
 
 std::vector<std::string> TruSimEmulator::Received() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return received_;
+    return GetGuarded(received_);
 }
 
 std::vector<TruSimShot> TruSimEmulator::Shots() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return shots_;
+    return GetGuarded(shots_);
 }
 
 std::string TruSimEmulator::LastChallenge() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return challenge_;
+    return GetGuarded(challenge_);
 }
 
 int TruSimEmulator::Connections() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return connections_;
+    return GetGuarded(connections_);
 }
 
 bool TruSimEmulator::IsClientConnected() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return serving_;
+    return GetGuarded(serving_);
 }
 
 bool TruSimEmulator::IsClientAuthenticated() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return authenticated_;
+    return GetGuarded(authenticated_);
 }
 
 void TruSimEmulator::ClearReceived() {
@@ -624,23 +598,19 @@ void TruSimEmulator::ClearReceived() {
 }
 
 bool TruSimEmulator::WaitForMessages(size_t count, std::chrono::milliseconds timeout) const {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return changed_.wait_for(lock, timeout, [&] { return received_.size() >= count; });
+    return WaitGuarded(timeout, [&] { return received_.size() >= count; });
 }
 
 bool TruSimEmulator::WaitForShots(size_t count, std::chrono::milliseconds timeout) const {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return changed_.wait_for(lock, timeout, [&] { return shots_.size() >= count; });
+    return WaitGuarded(timeout, [&] { return shots_.size() >= count; });
 }
 
 bool TruSimEmulator::WaitForConnections(int count, std::chrono::milliseconds timeout) const {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return changed_.wait_for(lock, timeout, [&] { return connections_ >= count; });
+    return WaitGuarded(timeout, [&] { return connections_ >= count; });
 }
 
 bool TruSimEmulator::WaitForClientGone(std::chrono::milliseconds timeout) const {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return changed_.wait_for(lock, timeout, [&] { return !serving_; });
+    return WaitGuarded(timeout, [&] { return !serving_; });
 }
 
 bool TruSimEmulator::WaitUntil(const std::function<bool()>& condition,

@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 class TcpSocket;
@@ -126,6 +127,23 @@ private:
     std::shared_ptr<TcpSocket> Current() const;
     void Report(const std::string& line) const;
     void ReportArmed() const;
+
+    template <typename T, typename V>
+    void SetGuarded(T& field, V&& value) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        field = std::forward<V>(value);
+    }
+    template <typename T>
+    T GetGuarded(const T& field) const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return field;
+    }
+    // `condition` runs with mutex_ held.
+    template <typename Condition>
+    bool WaitGuarded(std::chrono::milliseconds timeout, Condition condition) const {
+        std::unique_lock<std::mutex> lock(mutex_);
+        return changed_.wait_for(lock, timeout, condition);
+    }
 
     const TruSimEmulatorOptions options_;
     int listenFd_ = -1;
