@@ -70,6 +70,11 @@ void E6TruSimClient::Start() {
 
 void E6TruSimClient::Stop() {
     running_.exchange(0);
+    {
+        // Releases a reception held back by the notification limit.
+        const std::lock_guard<std::mutex> lock(notifyMutex_);
+    }
+    notifyDone_.notify_all();
     Disconnect();
     if (control_) {
         {
@@ -270,22 +275,30 @@ void E6TruSimClient::Notify(std::function<void(E6TruSimClientCallback&)> call) {
         return;
     }
     {
-        const std::lock_guard<std::mutex> lock(notifyMutex_);
+        // A listener that stalls while the simulator keeps talking must not
+        // pile up threads without end: past the limit, reception waits.
+        std::unique_lock<std::mutex> lock(notifyMutex_);
+        notifyDone_.wait(lock, [this] {
+            return notificationsInFlight_ < kMaxNotificationsInFlight || running_.load() == 0;
+        });
         ++notificationsInFlight_;
     }
     try {
         std::thread([this, listener, call = std::move(call)] {
             call(*listener);
-            const std::lock_guard<std::mutex> lock(notifyMutex_);
-            --notificationsInFlight_;
-            notifyDone_.notify_all();
+            NotificationDone();
         }).detach();
     } catch (const std::system_error& e) {
         LOG_ERROR("std::thread error:0x%x\n", static_cast<unsigned>(e.code().value()));
-        const std::lock_guard<std::mutex> lock(notifyMutex_);
-        --notificationsInFlight_;
-        notifyDone_.notify_all();
+        NotificationDone();
     }
+}
+
+void E6TruSimClient::NotificationDone() {
+    // Nothing of this object is touched after the lock is released.
+    const std::lock_guard<std::mutex> lock(notifyMutex_);
+    --notificationsInFlight_;
+    notifyDone_.notify_all();
 }
 
 void E6TruSimClient::WaitForNotifications() {

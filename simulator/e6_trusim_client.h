@@ -32,6 +32,8 @@ public:
     static constexpr int kDefaultPort = 2483;
     static constexpr int kArmed = 0;
     static constexpr int kDisarmed = 1;
+    // Notifications running at once; reception waits beyond this.
+    static constexpr int kMaxNotificationsInFlight = 64;
 
     E6TruSimClient();
     // Stops without notifying the listener.
@@ -96,6 +98,7 @@ private:
     // Runs `call` on the listener on a new detached thread, counted so that
     // Stop can wait for it.
     void Notify(std::function<void(E6TruSimClientCallback&)> call);
+    void NotificationDone();
     void WaitForNotifications();
     E6TruSimTiming Timing() const;
 

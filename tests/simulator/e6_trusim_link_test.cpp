@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <future>
 #include <memory>
 #include <string>
@@ -80,7 +82,18 @@ protected:
 };
 
 TEST_F(TruSimLink, AuthenticatesByChallengeAndTakesTheGreeting) {
-    Connect();
+    std::string log;
+    {
+        orv::test::StdoutCapture capture;
+        ShowLog(true, false);
+        Connect();
+        ShowLog(false, false);
+        log = capture.Text();
+    }
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::Init("), 1u) << log;
+    EXPECT_EQ(
+        CountOf(log, ")] Set addr:127.0.0.1, port:" + std::to_string(emulator->Port()) + "\n"), 1u)
+        << log;
     ASSERT_TRUE(Greeted());
     const std::vector<std::string> received = emulator->Received();
     ASSERT_GE(received.size(), 2u);
@@ -201,18 +214,21 @@ TEST_F(TruSimLink, OneHandledMessagePerZeroByteHoweverTheSegmentsFall) {
         }
         EXPECT_TRUE(emulator->SendRaw(three));
         EXPECT_TRUE(emulator->SendRaw(std::string("{\"Type\":\"ACK\"}\0\0", 16)));
+        EXPECT_TRUE(emulator->SendMessage("{\"Type\":\"Mystery\"}"));
         Eventually([&] {
-            return CountOf(capture.Text(), "[E6] << ") >= 6 && listener.armStates().size() >= 4;
+            return CountOf(capture.Text(), "[E6] << ") >= 7 && listener.armStates().size() >= 4;
         });
         ShowLog(false, false);
         log = capture.Text();
     }
-    EXPECT_EQ(CountOf(log, "[E6] << "), 6u) << log;
+    EXPECT_EQ(CountOf(log, "[E6] << "), 7u) << log;
     EXPECT_EQ(CountOf(log, "[E6] << {\"Type\":\"ACK\"}\n"), 1u) << log;
     EXPECT_EQ(CountOf(log, "[E6] << \n"), 1u) << log;
     EXPECT_EQ(CountOf(log, "[E6TruSimClient::HandleRecvMsg("), 1u) << log;
     EXPECT_EQ(CountOf(log, "] Error:"), 1u) << log;
-    EXPECT_EQ(CountOf(log, "Not Support."), 0u) << log;
+    // Only the unknown type is not understood; the empty text is an error instead.
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::RecvData("), 1u) << log;
+    EXPECT_EQ(CountOf(log, ")] Not Support.\n"), 1u) << log;
     ASSERT_EQ(listener.players().size(), 2u);
     EXPECT_EQ(listener.players()[1].club, 8u);
     EXPECT_EQ(listener.players()[1].Handed, "Left");
@@ -226,8 +242,17 @@ TEST_F(TruSimLink, EndClosesTheLinkAndASecondLaterAHandshakeFollows) {
     ASSERT_TRUE(Greeted());
     emulator->ClearReceived();
     const auto ended = std::chrono::steady_clock::now();
-    ASSERT_TRUE(emulator->SendEnd());
-    ASSERT_TRUE(Eventually([&] { return listener.counts().disconnects >= 1; }));
+    std::string log;
+    {
+        orv::test::StdoutCapture capture;
+        ShowLog(true, false);
+        EXPECT_TRUE(emulator->SendEnd());
+        EXPECT_TRUE(Eventually([&] { return listener.counts().disconnects >= 1; }));
+        ShowLog(false, false);
+        log = capture.Text();
+    }
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::Disconnect("), 1u) << log;
+    EXPECT_EQ(CountOf(log, ")] Disconnect\n"), 1u) << log;
     EXPECT_FALSE(client.IsAuthenticated());
     EXPECT_EQ(client.GetCurrentClub(), 0u);
     EXPECT_EQ(client.GetArmState(), 0);  // kept across the loss of the link
@@ -297,6 +322,65 @@ TEST_F(TruSimLink, StopWhileConnectedNotifiesTwiceAndNothingAfterwards) {
     EXPECT_FALSE(stopped->SendTruSimMessage(E6_GetPingJson()));
     stopped.reset();
     EXPECT_EQ(emulator->Connections(), 1);
+}
+
+// Arm-state notifications wait at a gate until the test opens it.
+class GatedListener : public RecordingListener {
+public:
+    void OnE6ArmState(int state) override {
+        {
+            std::unique_lock<std::mutex> lock(mutex_);
+            ++waiting_;
+            peak_ = std::max(peak_, waiting_);
+            open_.wait(lock, [this] { return opened_; });
+            --waiting_;
+        }
+        RecordingListener::OnE6ArmState(state);
+    }
+    void Open() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            opened_ = true;
+        }
+        open_.notify_all();
+    }
+    int waiting() const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return waiting_;
+    }
+    int peak() const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return peak_;
+    }
+
+private:
+    // Guards the gate and the counts of notifications held at it.
+    mutable std::mutex mutex_;
+    std::condition_variable open_;
+    bool opened_ = false;
+    int waiting_ = 0;
+    int peak_ = 0;
+};
+
+TEST_F(TruSimLink, StalledListenerHoldsBackReceptionInsteadOfPilingUpThreads) {
+    GatedListener gated;
+    E6TruSimClient held;
+    held.SetCallback(&gated);
+    held.Init("127.0.0.1", emulator->Port());
+    ASSERT_TRUE(Eventually([&] { return gated.waiting() == 1; }));  // the greeting's Arm
+    std::string flood;
+    for (int i = 0; i < 200; ++i) {
+        flood += std::string("{\"Type\":\"SimCommand\",\"Command\":\"Disarm\"}") + '\0';
+    }
+    ASSERT_TRUE(emulator->SendRaw(flood));
+    const int limit = E6TruSimClient::kMaxNotificationsInFlight;
+    ASSERT_TRUE(Eventually([&] { return gated.waiting() == limit; }));
+    std::this_thread::sleep_for(100ms);
+    EXPECT_EQ(gated.peak(), limit);
+    gated.Open();
+    EXPECT_TRUE(Eventually([&] { return gated.armStates().size() == 201; }));
+    EXPECT_EQ(held.GetArmState(), 1);
+    held.Stop();
 }
 
 TEST_F(TruSimLink, EnvironmentDataArrivingFasterThanASecondIsPassedOnOnce) {
