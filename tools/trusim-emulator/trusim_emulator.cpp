@@ -12,57 +12,17 @@
 #include <cstdio>
 #include <cstring>
 
-#include <nlohmann/json.hpp>
-
-#include "simulator/hash_text.h"
 #include "simulator/tcp_socket.h"
-#include "simulator/trusim_credentials.h"
 #include "simulator/trusim_framer.h"
 
 namespace orv {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 // A client that stops reading must not hold a writer forever.
 constexpr timeval kSendTimeLimit{5, 0};
 
-std::string Dump(const Json& message) {
-    return message.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-double NumberOf(const Json& object, const char* key) {
-    const auto it = object.find(key);
-    return it != object.end() && it->is_number() ? it->get<double>() : 0.0;
-}
-
-std::string TextOf(const Json& object, const char* key) {
-    const auto it = object.find(key);
-    return it != object.end() && it->is_string() ? it->get<std::string>() : std::string();
-}
-
-const Json& MemberOf(const Json& object, const char* key) {
-    static const Json kNone;
-    const auto it = object.find(key);
-    return it != object.end() ? *it : kNone;
-}
-
-std::string Command(const char* command) {
-    return Dump(Json{{"Type", "SimCommand"}, {"Command", command}});
-}
-
 }  // namespace
-
-std::string DescribeShot(const TruSimShot& shot) {
-    char line[256];
-    std::snprintf(line, sizeof line,
-                  "%s, ball speed %.2f, launch angle %.2f, direction %.2f, back spin %.0f, "
-                  "side spin %.0f",
-                  shot.club.c_str(), shot.ballSpeed, shot.launchAngle, shot.launchDirection,
-                  shot.backSpin, shot.sideSpin);
-    return line;
-}
 
 TruSimEmulator::TruSimEmulator(TruSimEmulatorOptions options)
     : options_(std::move(options)), random_(std::random_device{}()) {}
@@ -232,46 +192,39 @@ void TruSimEmulator::HandleMessage(const std::shared_ptr<TcpSocket>& connection,
         received_.push_back(text);
     }
     changed_.notify_all();
-    const Json message = Json::parse(text, nullptr, false);
-    const std::string type = message.is_object() ? TextOf(message, "Type") : std::string();
-    const Json ack{{"Type", "ACK"}};
+    const ClientMessage message = ReadClientMessage(text);
+    const std::string& type = message.type;
     if (type == "Handshake") {
         AnswerHandshake(connection);
     } else if (type == "Challenge") {
-        CheckChallenge(connection, TextOf(message, "Developer"), TextOf(message, "Hash"));
+        CheckChallenge(connection, message.developer, message.hash);
     } else if (type == "Ping") {
-        Send(connection, Dump(Json{{"Type", "Pong"}}));
-    } else if (type == "SetBallData") {
-        const Json& ball = MemberOf(message, "BallData");
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            pendingShot_.backSpin = NumberOf(ball, "BackSpin");
-            pendingShot_.ballSpeed = NumberOf(ball, "BallSpeed");
-            pendingShot_.launchAngle = NumberOf(ball, "LaunchAngle");
-            pendingShot_.launchDirection = NumberOf(ball, "LaunchDirection");
-            pendingShot_.sideSpin = NumberOf(ball, "SideSpin");
+        Send(connection, TypeOnlyMessage("Pong"));
+    } else if (type == "SetBallData" || type == "SetClubData" || type == "SetClubType" ||
+               type == "SetMiscData" || type == "SendShot") {
+        KeepShotPart(message);
+        Send(connection, TypeOnlyMessage("ACK"));
+        if (type == "SendShot") {
+            TakeShot(connection);
         }
-        Send(connection, Dump(ack));
-    } else if (type == "SetClubData") {
-        const Json& club = MemberOf(message, "ClubData");
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            pendingShot_.clubAngleFace = NumberOf(club, "ClubAngleFace");
-            pendingShot_.clubAnglePath = NumberOf(club, "ClubAnglePath");
-            pendingShot_.clubHeadSpeed = NumberOf(club, "ClubHeadSpeed");
-        }
-        Send(connection, Dump(ack));
-    } else if (type == "SetClubType") {
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            club_ = TextOf(message, "ClubType");
-        }
-        Send(connection, Dump(ack));
-    } else if (type == "SetMiscData") {
-        Send(connection, Dump(ack));
-    } else if (type == "SendShot") {
-        Send(connection, Dump(ack));
-        TakeShot(connection);
+    }
+}
+
+void TruSimEmulator::KeepShotPart(const ClientMessage& message) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const TruSimShot& v = message.values;
+    if (message.type == "SetBallData") {
+        pendingShot_.backSpin = v.backSpin;
+        pendingShot_.ballSpeed = v.ballSpeed;
+        pendingShot_.launchAngle = v.launchAngle;
+        pendingShot_.launchDirection = v.launchDirection;
+        pendingShot_.sideSpin = v.sideSpin;
+    } else if (message.type == "SetClubData") {
+        pendingShot_.clubAngleFace = v.clubAngleFace;
+        pendingShot_.clubAnglePath = v.clubAnglePath;
+        pendingShot_.clubHeadSpeed = v.clubHeadSpeed;
+    } else if (message.type == "SetClubType") {
+        club_ = message.clubType;
     }
 }
 
@@ -292,7 +245,7 @@ void TruSimEmulator::AnswerHandshake(const std::shared_ptr<TcpSocket>& connectio
         }
         challenge_ = challenge;
     }
-    Send(connection, Dump(Json{{"Type", "Handshake"}, {"Challenge", challenge}}));
+    Send(connection, HandshakeReply(challenge));
 }
 
 void TruSimEmulator::CheckChallenge(const std::shared_ptr<TcpSocket>& connection,
@@ -306,19 +259,17 @@ void TruSimEmulator::CheckChallenge(const std::shared_ptr<TcpSocket>& connection
         refuse = refuseAuthentication_;
         greeting = greeting_;
     }
-    const std::string keyed = challenge + kE6SecretKey;
-    const bool success = !refuse && !challenge.empty() && developer == kE6DeveloperId &&
-                         hash == GetHashText(keyed.data(), keyed.size(), 1);
+    const bool success = !refuse && IsRightChallengeAnswer(challenge, developer, hash);
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         authenticated_ = success;
     }
     changed_.notify_all();
-    Send(connection, Dump(Json{{"Type", "Authentication"}, {"Success", success}}));
+    Send(connection, AuthenticationReply(success));
     Report(success ? "authenticated" : "authentication refused");
     if (success && greeting) {
         if (Send(connection, PlayerDataJson()) && Send(connection, EnvironmentDataJson()) &&
-            Send(connection, Command("Arm"))) {
+            Send(connection, SimCommandMessage("Arm"))) {
             ReportArmed();
         }
     }
@@ -338,7 +289,7 @@ void TruSimEmulator::TakeShot(const std::shared_ptr<TcpSocket>& connection) {
     }
     changed_.notify_all();
     Report("Shot " + std::to_string(number) + ": " + DescribeShot(shot));
-    Send(connection, Command("Disarm"));
+    Send(connection, SimCommandMessage("Disarm"));
     if (rearm) {
         Schedule(options_.rearmDelay, [this] {
             {
@@ -425,24 +376,11 @@ bool TruSimEmulator::Send(const std::shared_ptr<TcpSocket>& connection, const st
 
 std::string TruSimEmulator::PlayerDataJson() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return Dump(Json{{"Type", "DataModified"},
-                     {"PlayerData",
-                      {{"PlayerName", "Emulator"},
-                       {"PlayerID", 1},
-                       {"Handed", handed_},
-                       {"Club", club_},
-                       {"Handicap", 12.0},
-                       {"CurrentTeeHeight", 0.2},
-                       {"OnTheTee", true}}}});
+    return PlayerDataMessage(club_, handed_);
 }
 
 std::string TruSimEmulator::EnvironmentDataJson() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return Dump(Json{{"Type", "DataModified"},
-                     {"EnvironmentData",
-                      {{"DistanceToPin", distanceToPin_},
-                       {"SurfaceCAT", "Fairway"},
-                       {"BallPosition", {{"x", 0.0}, {"y", 0.0}, {"z", 0.0}}}}}});
+    return EnvironmentDataMessage(GetGuarded(distanceToPin_));
 }
 
 std::shared_ptr<TcpSocket> TruSimEmulator::Current() const {
@@ -537,15 +475,15 @@ bool TruSimEmulator::SendEnvironmentData() {
 }
 
 bool TruSimEmulator::Arm() {
-    return SendMessage(Command("Arm"));
+    return SendMessage(SimCommandMessage("Arm"));
 }
 
 bool TruSimEmulator::Disarm() {
-    return SendMessage(Command("Disarm"));
+    return SendMessage(SimCommandMessage("Disarm"));
 }
 
 bool TruSimEmulator::SendEnd() {
-    return SendMessage(Dump(Json{{"Type", "End"}}));
+    return SendMessage(TypeOnlyMessage("End"));
 }
 
 bool TruSimEmulator::DropConnection(bool reset) {

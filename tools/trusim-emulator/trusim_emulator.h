@@ -18,24 +18,11 @@
 #include <utility>
 #include <vector>
 
+#include "tools/trusim-emulator/simulator_messages.h"
+
 class TcpSocket;
 
 namespace orv {
-
-struct TruSimShot {
-    std::string club;  // the simulator's club name when the shot came
-    double ballSpeed = 0.0;
-    double launchAngle = 0.0;
-    double launchDirection = 0.0;
-    double backSpin = 0.0;
-    double sideSpin = 0.0;
-    double clubHeadSpeed = 0.0;
-    double clubAngleFace = 0.0;
-    double clubAnglePath = 0.0;
-};
-
-// "Driver, ball speed 139.12, launch angle 11.88, direction -2.00, back spin 2600, side spin -350"
-std::string DescribeShot(const TruSimShot& shot);
 
 struct TruSimEmulatorOptions {
     std::string bindAddress = "0.0.0.0";
@@ -115,6 +102,7 @@ private:
     void AnswerHandshake(const std::shared_ptr<TcpSocket>& connection);
     void CheckChallenge(const std::shared_ptr<TcpSocket>& connection, const std::string& developer,
                         const std::string& hash);
+    void KeepShotPart(const ClientMessage& message);
     void TakeShot(const std::shared_ptr<TcpSocket>& connection);
     void TimerLoop();
     void Schedule(std::chrono::milliseconds delay, std::function<void()> run);
