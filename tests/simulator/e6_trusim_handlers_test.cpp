@@ -1,7 +1,6 @@
 // The client's reactions to single messages, without a connection.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <thread>
 
 #include "common/debug_log.h"
@@ -162,33 +161,6 @@ TEST_F(ClientHandlers, ArmCommandsAndWarnings) {
     std::vector<std::string> warnings = listener.warnings();
     std::sort(warnings.begin(), warnings.end());
     EXPECT_EQ(warnings, (std::vector<std::string>{"a", "c"}));
-}
-
-TEST_F(ClientHandlers, EnvironmentDataKeepsItsTimeEvenWhenNotPassedOn) {
-    E6TruSimTiming timing;
-    timing.environmentThrottle = std::chrono::milliseconds(300);
-    client.SetTiming(timing);
-    const auto send = [&](int distance) {
-        return client.HandleRecvMsg(
-            "{\"Type\":\"DataModified\",\"EnvironmentData\":"
-            "{\"DistanceToPin\":" +
-            std::to_string(distance) + "}}");
-    };
-    // A message every 100 ms for twice the throttle: only the first is passed on.
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 7; ++i) {
-        std::this_thread::sleep_until(start + std::chrono::milliseconds(100 * i));
-        ASSERT_TRUE(send(100 + i));
-        EXPECT_EQ(client.GetDistanceToPin(), 100 + i);
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(450));
-    ASSERT_TRUE(send(200));
-    ASSERT_TRUE(Eventually([&] { return listener.environments().size() == 2; }));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    const auto passed = listener.environments();
-    ASSERT_EQ(passed.size(), 2u);
-    EXPECT_EQ(passed[0].DistanceToPin, 100.0);
-    EXPECT_EQ(passed[1].DistanceToPin, 200.0);
 }
 
 TEST_F(ClientHandlers, SendingWithoutLinkFailsQuietly) {
