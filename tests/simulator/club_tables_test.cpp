@@ -1,0 +1,133 @@
+#include "simulator/club_tables.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+namespace {
+
+TEST(ClubTables, ValueRowsKeepTheirSinglePrecisionConstants) {
+    const __club_value_table_st driver = OrvGetClubValueTable(1);
+    EXPECT_EQ(driver.club, 1);
+    EXPECT_EQ(static_cast<double>(driver.speedFactor), 1.4800000190734863);
+    EXPECT_EQ(driver.refHeadSpeed, 94.0f);
+    EXPECT_EQ(driver.refBackSpin, 2600.0f);
+    EXPECT_EQ(static_cast<double>(driver.refLaunchAngle), 13.199999809265137);
+    EXPECT_EQ(driver.extraFactor, 0.90f);
+
+    const __club_value_table_st putter = OrvGetClubValueTable(15);
+    EXPECT_EQ(putter.refHeadSpeed, 2.5f);
+    EXPECT_EQ(putter.refBackSpin, 20.0f);
+    const __club_value_table_st lob = OrvGetClubValueTable(14);
+    EXPECT_EQ(lob.refBackSpin, 10000.0f);
+    EXPECT_EQ(lob.refLaunchAngle, 37.8f);
+
+    // The two clubs added last copy the 7 wood.
+    const __club_value_table_st wood7 = OrvGetClubValueTable(4);
+    for (int club : {16, 17}) {
+        const __club_value_table_st row = OrvGetClubValueTable(club);
+        EXPECT_EQ(row.club, club);
+        EXPECT_EQ(row.speedFactor, wood7.speedFactor);
+        EXPECT_EQ(row.refHeadSpeed, wood7.refHeadSpeed);
+        EXPECT_EQ(row.refBackSpin, wood7.refBackSpin);
+        EXPECT_EQ(row.refLaunchAngle, wood7.refLaunchAngle);
+    }
+    // The code is taken modulo 256, as the table's key is one byte.
+    EXPECT_EQ(OrvGetClubValueTable(256 + 15).club, 15);
+}
+
+TEST(ClubTables, SensitivityRowsByClubGroup) {
+    struct Expected {
+        int club;
+        float scale[3];
+    };
+    const Expected expected[] = {
+        {1, {16, 8, 1.15f}},   {4, {16, 8, 1.15f}}, {16, {16, 8, 1.15f}},
+        {17, {16, 8, 1.15f}},  {5, {8, 4, 1.15f}},  {10, {8, 4, 1.15f}},
+        {11, {4, 2, 1.15f}},   {13, {4, 2, 1.15f}}, {14, {1.3f, 1.3f, 1.15f}},
+        {15, {1, 0.6f, 0.4f}},
+    };
+    for (const Expected& e : expected) {
+        const __swing_sensitivity_st row = OrvGetClubSensitivity(e.club);
+        EXPECT_EQ(row.club, e.club);
+        for (int level = 0; level < 3; ++level) {
+            EXPECT_EQ(row.scale[level], e.scale[level]) << e.club << " level " << level;
+        }
+        EXPECT_EQ(row.minValue, 1000);
+        EXPECT_EQ(row.maxValue, 2200);
+    }
+    const __swing_sensitivity_st iron = OrvGetClubSensitivity(8);
+    EXPECT_EQ(iron.lowThreshold[0], -150);
+    EXPECT_EQ(iron.lowThreshold[1], -70);
+    EXPECT_EQ(iron.lowThreshold[2], -15);
+    EXPECT_EQ(iron.highThreshold[0], 100);
+    EXPECT_EQ(iron.highThreshold[1], 50);
+    EXPECT_EQ(iron.highThreshold[2], 10);
+    const __swing_sensitivity_st putter = OrvGetClubSensitivity(15);
+    for (int level = 0; level < 3; ++level) {
+        EXPECT_EQ(putter.lowThreshold[level], -15);
+        EXPECT_EQ(putter.highThreshold[level], 10);
+    }
+}
+
+TEST(ClubTables, UnknownCodesYieldZeroRowsAndGrowTheTablesFromManyThreads) {
+    const size_t values = gClubValueTable.size();
+    const size_t sensitivities = gClubSensitivityTable.size();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([] {
+            for (int club = 100; club < 140; ++club) {
+                const __club_value_table_st row = OrvGetClubValueTable(club);
+                const __swing_sensitivity_st sensitivity = OrvGetClubSensitivity(club);
+                if (row.club != 0 || row.speedFactor != 0.0f || sensitivity.club != 0 ||
+                    sensitivity.maxValue != 0 || sensitivity.scale[1] != 0.0f) {
+                    ADD_FAILURE() << "row for unknown club " << club << " is not zero";
+                }
+            }
+        });
+    }
+    for (std::thread& t : threads) {
+        t.join();
+    }
+    EXPECT_EQ(gClubValueTable.size(), values + 40);
+    EXPECT_EQ(gClubSensitivityTable.size(), sensitivities + 40);
+}
+
+TEST(ClubTables, ClubSelectCommandFromTheSensitivityRow) {
+    const auto frame = [](OrvCmdManualClubSelectModel&& command) {
+        bb* packet = command.MakeSendPacket();
+        return std::vector<uint8_t>(packet->data, packet->data + packet->size);
+    };
+    OrvCmdManualClubSelectModel driver = MakeClubSelectCommand(1, 0);
+    EXPECT_EQ(driver.club, 1);
+    EXPECT_EQ(driver.value1, -150);
+    EXPECT_EQ(driver.value2, 100);
+    EXPECT_EQ(driver.value3, 1000);
+    EXPECT_EQ(driver.value4, 2200);
+    EXPECT_EQ(driver.factor, 16.0f);
+    EXPECT_EQ(frame(MakeClubSelectCommand(1, 0)),
+              (std::vector<uint8_t>{
+                  0x18, 0x0A,  // manual club select, 10 payload bytes
+                  0x01,        // club
+                  0xFF, 0x6A,  // low threshold -150
+                  0x00, 0x64,  // high threshold 100
+                  0xA0,        // factor 16 x 10
+                  0x03, 0xE8,  // min 1000
+                  0x08, 0x98,  // max 2200
+                  0x18 ^ 0x0A ^ 0x01 ^ 0xFF ^ 0x6A ^ 0x64 ^ 0xA0 ^ 0x03 ^ 0xE8 ^ 0x08 ^ 0x98}));
+
+    OrvCmdManualClubSelectModel putter = MakeClubSelectCommand(15, 2);
+    EXPECT_EQ(putter.value1, -15);
+    EXPECT_EQ(putter.value2, 10);
+    EXPECT_EQ(putter.factor, 0.4f);
+    OrvCmdManualClubSelectModel iron = MakeClubSelectCommand(7, 1);
+    EXPECT_EQ(iron.value1, -70);
+    EXPECT_EQ(iron.value2, 50);
+    EXPECT_EQ(iron.factor, 4.0f);
+    // Levels outside 0..2 take the nearest one.
+    EXPECT_EQ(MakeClubSelectCommand(7, 5).factor, 1.15f);
+    EXPECT_EQ(MakeClubSelectCommand(7, -1).factor, 8.0f);
+}
+
+}  // namespace

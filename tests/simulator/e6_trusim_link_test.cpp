@@ -1,0 +1,491 @@
+// The client against the stand-in simulator over real TCP on loopback.
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/debug_log.h"
+#include "simulator/e6_trusim_client.h"
+#include "simulator/trusim_messages.h"
+#include "tests/simulator/recording_listener.h"
+#include "tests/support/test_support.h"
+#include "tools/trusim-emulator/trusim_emulator.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using orv::test::CountOf;
+using orv::test::Eventually;
+using orv::test::RecordingListener;
+
+constexpr char kChallenge[] = "Emulator challenge 42";
+// MD5 of kChallenge followed by the program's key.
+constexpr char kChallengeAnswer[] =
+    "{\"Type\":\"Challenge\", \"Developer\":\"7C1E54A2-9B3D-4F60-8A17-D2E9B0C46F58\","
+    "\"Hash\":\"634cc6aa783f1bc91a50da3386a1e936\"}";
+constexpr char kHandshake[] = "{\"Type\":\"Handshake\"}";
+
+// Shortens only the pause before reconnecting, where the test is not about it.
+E6TruSimTiming QuickReconnect() {
+    E6TruSimTiming timing;
+    timing.reconnectPause = 100ms;
+    return timing;
+}
+
+class TruSimLink : public ::testing::Test {
+protected:
+    void SetUp() override {
+        orv::TruSimEmulatorOptions options;
+        options.bindAddress = "127.0.0.1";
+        options.port = 0;
+        options.rearmDelay = 200ms;
+        emulator = std::make_unique<orv::TruSimEmulator>(options);
+        ASSERT_TRUE(emulator->Start());
+        emulator->SetChallenge(kChallenge);
+        client.SetCallback(&listener);
+    }
+
+    void TearDown() override {
+        ShowLog(false, false);
+        client.Stop();
+        emulator->Stop();
+    }
+
+    void Connect(const E6TruSimTiming& timing = E6TruSimTiming{}) {
+        client.SetTiming(timing);
+        client.Init("127.0.0.1", emulator->Port());
+    }
+
+    // Authenticated and the greeting (player data, environment data, Arm) taken in.
+    bool Greeted(size_t times = 1) {
+        return Eventually([&] {
+            return listener.auths().size() >= times && listener.armStates().size() >= times &&
+                   listener.players().size() >= times && client.GetArmState() == 0;
+        });
+    }
+
+    RecordingListener listener;
+    E6TruSimClient client;
+    std::unique_ptr<orv::TruSimEmulator> emulator;
+};
+
+TEST_F(TruSimLink, AuthenticatesByChallengeAndTakesTheGreeting) {
+    std::string log;
+    {
+        orv::test::StdoutCapture capture;
+        ShowLog(true, false);
+        Connect();
+        ShowLog(false, false);
+        log = capture.Text();
+    }
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::Init("), 1u) << log;
+    EXPECT_EQ(
+        CountOf(log, ")] Set addr:127.0.0.1, port:" + std::to_string(emulator->Port()) + "\n"), 1u)
+        << log;
+    ASSERT_TRUE(Greeted());
+    const std::vector<std::string> received = emulator->Received();
+    ASSERT_GE(received.size(), 2u);
+    EXPECT_EQ(received[0], kHandshake);
+    EXPECT_EQ(received[1], kChallengeAnswer);
+    EXPECT_TRUE(emulator->IsClientAuthenticated());
+
+    EXPECT_EQ(listener.auths(), std::vector<bool>{true});
+    EXPECT_EQ(listener.counts().connects, 1);
+    EXPECT_TRUE(client.IsConnected());
+    EXPECT_TRUE(client.IsSocketOpen());
+    EXPECT_TRUE(client.IsAuthenticated());
+    EXPECT_EQ(client.GetArmState(), 0);
+    EXPECT_EQ(client.GetCurrentClub(), 1u);
+    EXPECT_EQ(listener.players()[0].Handed, "Right");
+    EXPECT_EQ(listener.players()[0].club, 1u);
+    ASSERT_TRUE(Eventually([&] { return listener.environments().size() == 1; }));
+    EXPECT_EQ(listener.environments()[0].DistanceToPin, 150.0);
+    EXPECT_EQ(client.GetDistanceToPin(), 150.0);
+    EXPECT_EQ(client.GetSurfaceCategory(), "Fairway");
+}
+
+TEST_F(TruSimLink, RefusedAuthenticationKeepsTheLinkAndTheArmState) {
+    emulator->SetRefuseAuthentication(true);
+    Connect();
+    ASSERT_TRUE(Eventually([&] { return listener.auths().size() == 1; }));
+    EXPECT_EQ(listener.auths(), std::vector<bool>{false});
+    EXPECT_FALSE(client.IsAuthenticated());
+    EXPECT_EQ(client.GetArmState(), 1);
+
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetPingJson()));
+    ASSERT_TRUE(emulator->WaitForMessages(3, 5s));
+    EXPECT_EQ(emulator->Received()[2], "{\"Type\":\"Ping\"}");
+    EXPECT_TRUE(client.IsConnected());
+    EXPECT_EQ(listener.counts().disconnects, 0);
+}
+
+TEST_F(TruSimLink, UnansweredOrSlowHandshake) {
+    emulator->SetAnswerHandshake(false);
+    Connect();
+    ASSERT_TRUE(emulator->WaitForMessages(1, 5s));
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetPingJson()));
+    ASSERT_TRUE(emulator->WaitForMessages(2, 5s));
+    EXPECT_TRUE(client.IsConnected());
+    EXPECT_FALSE(client.IsAuthenticated());
+    EXPECT_TRUE(listener.auths().empty());
+
+    // A slow simulator is waited for: the answer is read whenever it comes.
+    emulator->SetAnswerHandshake(true);
+    emulator->SetReplyDelay(100ms);
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetHandShakeJson()));
+    ASSERT_TRUE(Greeted());
+}
+
+TEST_F(TruSimLink, ShotGoesOutAsFourMessagesInOrder) {
+    emulator->SetClub("SandWedge");
+    Connect();
+    ASSERT_TRUE(Greeted());
+    EXPECT_EQ(client.GetCurrentClub(), 13u);
+    emulator->ClearReceived();
+
+    E6BallData ball;
+    ball.BackSpin = 9300.0;
+    ball.BallSpeed = 41.25;
+    ball.LaunchAngle = 35.42;
+    ball.LaunchDirection = -2.5;
+    ball.SideSpin = -350.0;
+    E6ClubData club = E6_MakeClubData(65.0, -2.5, 1.0);
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetBallDataJson(ball)));
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetClubDataJson(club)));
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetMiscDataJson(E6_MakeMiscData(0.2, false, 0))));
+    ASSERT_TRUE(client.SendTruSimMessage(E6_GetSendShotJson()));
+    ASSERT_TRUE(emulator->WaitForShots(1, 5s));
+    EXPECT_EQ(emulator->Received(),
+              (std::vector<std::string>{
+                  "{\"Type\":\"SetBallData\",\"BallData\":{\"BackSpin\":9300.000, "
+                  "\"BallSpeed\":41.250,\t\"LaunchAngle\":35.420, \"LaunchDirection\":-2.500, "
+                  "\"SideSpin\":-350.000}}",
+                  "{\"Type\":\"SetClubData\",\"ClubData\":{\"ClubAngleFace\":1.000, "
+                  "\"ClubAnglePath\":-2.500, \"ClubHeadSpeed\":65.000}}",
+                  "{\"Type\":\"SetMiscData\", \"MiscData\":{\"TeeHeight\":0.200, \"TeeType\":0, "
+                  "\"TeedUp\":\"false\"}}",
+                  "{\"Type\":\"SendShot\"}",
+              }));
+    const orv::TruSimShot shot = emulator->Shots()[0];
+    EXPECT_EQ(shot.club, "SandWedge");
+    EXPECT_EQ(shot.ballSpeed, 41.25);
+    EXPECT_EQ(shot.sideSpin, -350.0);
+    EXPECT_EQ(shot.clubHeadSpeed, 65.0);
+    EXPECT_EQ(orv::DescribeShot(shot),
+              "SandWedge, ball speed 41.25, launch angle 35.42, direction -2.50, back spin 9300, "
+              "side spin -350");
+
+    // The simulator disarms after the shot and re-arms a moment later.
+    ASSERT_TRUE(Eventually([&] { return listener.armStates().size() >= 3; }));
+    EXPECT_EQ(client.GetArmState(), 0);
+    EXPECT_EQ(listener.armStates().size(), 3u);
+
+    ASSERT_TRUE(client.SendClubType(12));
+    ASSERT_TRUE(emulator->WaitForMessages(5, 5s));
+    EXPECT_EQ(emulator->Received()[4], "{\"Type\":\"SetClubType\",\"ClubType\":\"GWedge\"}");
+}
+
+TEST_F(TruSimLink, OneHandledMessagePerZeroByteHoweverTheSegmentsFall) {
+    Connect();
+    ASSERT_TRUE(Greeted());
+    std::string log;
+    {
+        orv::test::StdoutCapture capture;
+        ShowLog(true, true);
+        const std::string player =
+            "{\"Type\":\"DataModified\",\"PlayerData\":{\"Club\":\"7Iron\",\"Handed\":\"Left\"}}";
+        EXPECT_TRUE(emulator->SendInPieces(std::string(player.c_str(), player.size() + 1), 7, 2ms));
+        std::string three;
+        for (const char* command : {"Disarm", "Arm", "Disarm"}) {
+            three += std::string("{\"Type\":\"SimCommand\",\"Command\":\"") + command + "\"}";
+            three.push_back('\0');
+        }
+        EXPECT_TRUE(emulator->SendRaw(three));
+        EXPECT_TRUE(emulator->SendRaw(std::string("{\"Type\":\"ACK\"}\0\0", 16)));
+        EXPECT_TRUE(emulator->SendMessage("{\"Type\":\"Mystery\"}"));
+        Eventually([&] {
+            return CountOf(capture.Text(), "[E6] << ") >= 7 && listener.armStates().size() >= 4;
+        });
+        ShowLog(false, false);
+        log = capture.Text();
+    }
+    EXPECT_EQ(CountOf(log, "[E6] << "), 7u) << log;
+    EXPECT_EQ(CountOf(log, "[E6] << {\"Type\":\"ACK\"}\n"), 1u) << log;
+    EXPECT_EQ(CountOf(log, "[E6] << \n"), 1u) << log;
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::HandleRecvMsg("), 1u) << log;
+    EXPECT_EQ(CountOf(log, "] Error:"), 1u) << log;
+    // Only the unknown type is not understood; the empty text is an error instead.
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::RecvData("), 1u) << log;
+    EXPECT_EQ(CountOf(log, ")] Not Support.\n"), 1u) << log;
+    ASSERT_EQ(listener.players().size(), 2u);
+    EXPECT_EQ(listener.players()[1].club, 8u);
+    EXPECT_EQ(listener.players()[1].Handed, "Left");
+    EXPECT_EQ(listener.armStates().size(), 4u);
+    EXPECT_EQ(client.GetArmState(), 1);
+    EXPECT_TRUE(client.IsConnected());
+}
+
+TEST_F(TruSimLink, EndClosesTheLinkAndASecondLaterAHandshakeFollows) {
+    Connect();
+    ASSERT_TRUE(Greeted());
+    emulator->ClearReceived();
+    const auto ended = std::chrono::steady_clock::now();
+    std::string log;
+    {
+        orv::test::StdoutCapture capture;
+        ShowLog(true, false);
+        EXPECT_TRUE(emulator->SendEnd());
+        EXPECT_TRUE(Eventually([&] { return listener.counts().disconnects >= 1; }));
+        ShowLog(false, false);
+        log = capture.Text();
+    }
+    EXPECT_EQ(CountOf(log, "[E6TruSimClient::Disconnect("), 1u) << log;
+    EXPECT_EQ(CountOf(log, ")] Disconnect\n"), 1u) << log;
+    EXPECT_FALSE(client.IsAuthenticated());
+    EXPECT_EQ(client.GetCurrentClub(), 0u);
+    EXPECT_EQ(client.GetArmState(), 0);  // kept across the loss of the link
+    ASSERT_TRUE(emulator->WaitForConnections(2, 5s));
+    const auto gap = std::chrono::steady_clock::now() - ended;
+    EXPECT_GE(gap, 900ms);
+    EXPECT_LE(gap, 2500ms);
+    ASSERT_TRUE(emulator->WaitForMessages(1, 5s));
+    EXPECT_EQ(emulator->Received()[0], kHandshake);
+    ASSERT_TRUE(Greeted(2));
+    EXPECT_EQ(listener.counts().connects, 2);
+    EXPECT_EQ(listener.counts().disconnects, 1);
+}
+
+TEST_F(TruSimLink, PeerCloseOrResetInTheMiddleOfAMessage) {
+    Connect(QuickReconnect());
+    ASSERT_TRUE(Greeted());
+    for (bool reset : {false, true}) {
+        SCOPED_TRACE(reset ? "reset" : "close");
+        const int connections = emulator->Connections();
+        const int disconnects = listener.counts().disconnects;
+        const size_t arms = listener.armStates().size();
+        ASSERT_TRUE(emulator->SendRaw("{\"Type\":\"SimCommand\",\"Comm"));
+        ASSERT_TRUE(emulator->DropConnection(reset));
+        ASSERT_TRUE(Eventually([&] { return listener.counts().disconnects == disconnects + 1; }));
+        ASSERT_TRUE(emulator->WaitForConnections(connections + 1, 5s));
+        ASSERT_TRUE(Greeted(static_cast<size_t>(connections + 1)));
+        // Only the new greeting's Arm: the cut message was dropped with its link.
+        EXPECT_EQ(listener.armStates().size(), arms + 1);
+    }
+}
+
+TEST_F(TruSimLink, MessageWithoutEndIsCappedAndTheLinkComesBack) {
+    Connect(QuickReconnect());
+    ASSERT_TRUE(Greeted());
+    std::string log;
+    {
+        orv::test::StdoutCapture capture;
+        ShowLog(true, false);
+        auto flood = std::async(std::launch::async, [&] {
+            return emulator->SendRaw(std::string(10 * 1024 * 1024, 'x'));
+        });
+        EXPECT_TRUE(Eventually([&] { return listener.counts().disconnects >= 1; }));
+        EXPECT_FALSE(flood.get());  // the client hung up long before the end
+        EXPECT_TRUE(emulator->WaitForConnections(2, 5s));
+        EXPECT_TRUE(Greeted(2));
+        ShowLog(false, false);
+        log = capture.Text();
+    }
+    EXPECT_EQ(CountOf(log, "without its end"), 1u) << log.substr(0, 4000);
+    EXPECT_EQ(listener.counts().disconnects, 1);
+}
+
+TEST_F(TruSimLink, StopWhileConnectedNotifiesTwiceAndNothingAfterwards) {
+    auto owner = std::make_unique<RecordingListener>();
+    auto stopped = std::make_unique<E6TruSimClient>();
+    stopped->SetCallback(owner.get());
+    stopped->Init("127.0.0.1", emulator->Port());
+    ASSERT_TRUE(Eventually([&] { return owner->armStates().size() == 1; }));
+    stopped->Stop();
+    // Once by Stop, once more by the receive that the closing socket ends.
+    EXPECT_EQ(owner->counts().disconnects, 2);
+    EXPECT_FALSE(stopped->IsConnected());
+    EXPECT_FALSE(stopped->IsSocketOpen());
+    owner.reset();  // the listener may go right after Stop
+    EXPECT_TRUE(emulator->WaitForClientGone(5s));
+    EXPECT_FALSE(stopped->SendTruSimMessage(E6_GetPingJson()));
+    stopped.reset();
+    EXPECT_EQ(emulator->Connections(), 1);
+}
+
+// Arm-state notifications wait at a gate until the test opens it.
+class GatedListener : public RecordingListener {
+public:
+    void OnE6ArmState(int state) override {
+        {
+            std::unique_lock<std::mutex> lock(mutex_);
+            ++waiting_;
+            peak_ = std::max(peak_, waiting_);
+            open_.wait(lock, [this] { return opened_; });
+            --waiting_;
+        }
+        RecordingListener::OnE6ArmState(state);
+    }
+    void Open() {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            opened_ = true;
+        }
+        open_.notify_all();
+    }
+    int waiting() const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return waiting_;
+    }
+    int peak() const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return peak_;
+    }
+
+private:
+    // Guards the gate and the counts of notifications held at it.
+    mutable std::mutex mutex_;
+    std::condition_variable open_;
+    bool opened_ = false;
+    int waiting_ = 0;
+    int peak_ = 0;
+};
+
+TEST_F(TruSimLink, StalledListenerHoldsBackReceptionInsteadOfPilingUpThreads) {
+    GatedListener gated;
+    E6TruSimClient held;
+    held.SetCallback(&gated);
+    held.Init("127.0.0.1", emulator->Port());
+    ASSERT_TRUE(Eventually([&] { return gated.waiting() == 1; }));  // the greeting's Arm
+    std::string flood;
+    for (int i = 0; i < 200; ++i) {
+        flood += std::string("{\"Type\":\"SimCommand\",\"Command\":\"Disarm\"}") + '\0';
+    }
+    ASSERT_TRUE(emulator->SendRaw(flood));
+    const int limit = E6TruSimClient::kMaxNotificationsInFlight;
+    ASSERT_TRUE(Eventually([&] { return gated.waiting() == limit; }));
+    std::this_thread::sleep_for(100ms);
+    EXPECT_EQ(gated.peak(), limit);
+    gated.Open();
+    EXPECT_TRUE(Eventually([&] { return gated.armStates().size() == 201; }));
+    EXPECT_EQ(held.GetArmState(), 1);
+    held.Stop();
+}
+
+TEST_F(TruSimLink, EnvironmentDataArrivingFasterThanASecondIsPassedOnOnce) {
+    emulator->SetGreeting(false);
+    Connect();
+    ASSERT_TRUE(Eventually([&] { return client.IsAuthenticated(); }));
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 15; ++i) {
+        std::this_thread::sleep_until(start + i * 100ms);
+        emulator->SetDistanceToPin(100 + i);
+        ASSERT_TRUE(emulator->SendEnvironmentData());
+    }
+    ASSERT_TRUE(Eventually([&] { return client.GetDistanceToPin() == 114.0; }));
+    EXPECT_EQ(listener.environments().size(), 1u);
+    std::this_thread::sleep_for(1200ms);
+    emulator->SetDistanceToPin(42.5);
+    ASSERT_TRUE(emulator->SendEnvironmentData());
+    ASSERT_TRUE(Eventually([&] { return listener.environments().size() == 2; }));
+    EXPECT_EQ(listener.environments()[0].DistanceToPin, 100.0);
+    EXPECT_EQ(listener.environments()[1].DistanceToPin, 42.5);
+}
+
+TEST_F(TruSimLink, DisconnectFromSeveralThreadsAtOnce) {
+    Connect(QuickReconnect());
+    for (int round = 1; round <= 3; ++round) {
+        ASSERT_TRUE(Greeted(static_cast<size_t>(round)));
+        std::atomic<bool> go{false};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 2; ++t) {
+            threads.emplace_back([&] {
+                while (!go) {
+                }
+                client.Disconnect();
+            });
+        }
+        threads.emplace_back([&] {
+            while (!go) {
+            }
+            for (int i = 0; i < 50; ++i) {
+                client.SendTruSimMessage(E6_GetPingJson());
+            }
+        });
+        go = true;
+        for (std::thread& t : threads) {
+            t.join();
+        }
+        EXPECT_FALSE(client.IsSocketOpen());
+        ASSERT_TRUE(emulator->WaitForConnections(round + 1, 5s));
+    }
+    ASSERT_TRUE(Greeted(4));
+}
+
+TEST_F(TruSimLink, SimulatorRestartIsFollowed) {
+    Connect(QuickReconnect());
+    ASSERT_TRUE(Greeted());
+    emulator->Stop();
+    ASSERT_TRUE(Eventually([&] { return listener.counts().disconnects >= 1; }));
+    std::this_thread::sleep_for(300ms);  // a few refused attempts
+    ASSERT_TRUE(emulator->Start());
+    ASSERT_TRUE(Greeted(2));
+    EXPECT_EQ(emulator->Connections(), 2);
+}
+
+TEST_F(TruSimLink, UnansweredConnectDoesNotHoldUpStop) {
+    // A listener whose accept queue is full drops further SYNs: connects hang.
+    const int server = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ASSERT_EQ(::bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(server, 0), 0);
+    ASSERT_EQ(::getsockname(server, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    std::vector<int> fillers;
+    for (int i = 0; i < 2; ++i) {
+        const int filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        ::connect(filler, reinterpret_cast<sockaddr*>(&address), sizeof address);
+        fillers.push_back(filler);
+    }
+    client.Init("127.0.0.1", ntohs(address.sin_port));
+    std::this_thread::sleep_for(300ms);
+    // Still connecting: the socket exists, the link does not.
+    EXPECT_TRUE(client.IsSocketOpen());
+    EXPECT_EQ(listener.counts().connects, 0);
+    const auto before = std::chrono::steady_clock::now();
+    client.Stop();
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 500ms);
+    for (int fd : fillers) {
+        ::close(fd);
+    }
+    ::close(server);
+}
+
+TEST(TruSimLocalAddress, ClientFindsASimulatorOnEveryInterface) {
+    orv::TruSimEmulatorOptions options;
+    options.port = 0;  // bound to every interface, as the program expects
+    orv::TruSimEmulator emulator(options);
+    ASSERT_TRUE(emulator.Start());
+    RecordingListener listener;
+    E6TruSimClient client;
+    client.SetCallback(&listener);
+    client.Init(E6TruSimClient::GetLocalIPAddress(), emulator.Port());
+    EXPECT_TRUE(Eventually([&] { return client.IsAuthenticated(); }));
+    client.Stop();
+    emulator.Stop();
+}
+
+}  // namespace

@@ -1,0 +1,60 @@
+#include "simulator/trusim_framer.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+TruSimFramer::Result FeedAll(TruSimFramer& framer, const std::string& bytes, Texts* out) {
+    return framer.Feed(bytes.data(), bytes.size(), [out](std::string text) {
+        out->push_back(std::move(text));
+        return true;
+    });
+}
+
+TEST(TruSimFramer, OneMessagePerZeroByteHoweverTheBytesArrive) {
+    const std::string stream("{\"Type\":\"ACK\"}\0\0{\"Type\":\"Pong\"}\0{\"Ty", 36);
+    for (size_t piece = 1; piece <= stream.size(); ++piece) {
+        TruSimFramer framer;
+        Texts texts;
+        for (size_t at = 0; at < stream.size(); at += piece) {
+            ASSERT_EQ(FeedAll(framer, stream.substr(at, piece), &texts),
+                      TruSimFramer::Result::kMore);
+        }
+        EXPECT_EQ(texts, (Texts{"{\"Type\":\"ACK\"}", "", "{\"Type\":\"Pong\"}"})) << piece;
+        EXPECT_EQ(framer.PendingSize(), 4u);
+    }
+}
+
+TEST(TruSimFramer, StopsWhenTheHandlerSaysSo) {
+    TruSimFramer framer;
+    Texts texts;
+    const std::string bytes("a\0b\0c\0", 6);
+    const auto result = framer.Feed(bytes.data(), bytes.size(), [&](std::string text) {
+        texts.push_back(text);
+        return text != "b";
+    });
+    EXPECT_EQ(result, TruSimFramer::Result::kStopped);
+    EXPECT_EQ(texts, (Texts{"a", "b"}));
+}
+
+TEST(TruSimFramer, CapsAMessageWithoutItsEnd) {
+    TruSimFramer framer;
+    Texts texts;
+    const std::string full(TruSimFramer::kMaxMessageSize, 'x');
+    ASSERT_EQ(FeedAll(framer, full, &texts), TruSimFramer::Result::kMore);
+    ASSERT_EQ(FeedAll(framer, std::string(1, '\0'), &texts), TruSimFramer::Result::kMore);
+    ASSERT_EQ(texts.size(), 1u);
+    EXPECT_EQ(texts[0].size(), TruSimFramer::kMaxMessageSize);
+
+    ASSERT_EQ(FeedAll(framer, full, &texts), TruSimFramer::Result::kMore);
+    EXPECT_EQ(FeedAll(framer, "y", &texts), TruSimFramer::Result::kOverflow);
+    EXPECT_EQ(framer.PendingSize(), 0u);
+    EXPECT_EQ(texts.size(), 1u);
+}
+
+}  // namespace
