@@ -36,7 +36,9 @@ bool AskThenOpen(QWidget* parent, QMessageBox::Icon icon, const QString& questio
 
 }  // namespace
 
-std::string HelpPageUrl(const std::string& site, HelpPage page) { return site + PagePath(page); }
+std::string HelpPageUrl(const std::string& site, HelpPage page) {
+    return site + PagePath(page);
+}
 
 bool OpenUrl(const std::string& url) {
     if (!QDesktopServices::openUrl(QUrl(QString::fromStdString(url)))) {

@@ -85,7 +85,7 @@ HttpsResponse HttpsGet(const HttpsRequest& request) {
     if (result != CURLE_OK) {
         response.failedCall = "curl_easy_perform";
         response.code = static_cast<int>(result);
-        response.error = sink.overflow ? "answer larger than the size limit"
+        response.error = sink.overflow          ? "answer larger than the size limit"
                          : errorText[0] != '\0' ? errorText
                                                 : curl_easy_strerror(result);
         return response;

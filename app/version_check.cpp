@@ -13,7 +13,9 @@ constexpr const char* kTag = "CMainDlg::CheckVersion";
 
 }  // namespace
 
-std::string GetVersion() { return ORVANE_APP_VERSION; }
+std::string GetVersion() {
+    return ORVANE_APP_VERSION;
+}
 
 int CompareVersion(const std::string& a, const std::string& b) {
     int left[3] = {0, 0, 0};

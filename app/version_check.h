@@ -25,11 +25,11 @@ struct VersionCheckTiming {
 };
 
 struct VersionCheckConfig {
-    std::string host;                  // version server
+    std::string host;  // version server
     int port = 9443;
-    std::string caFile;                // CA bundle; empty: the system's CAs
-    std::string runningVersion;        // what is compared against "app_ver"
-    size_t maxAnswerBytes = 64 * 1024; // real answers are a few hundred bytes
+    std::string caFile;                 // CA bundle; empty: the system's CAs
+    std::string runningVersion;         // what is compared against "app_ver"
+    size_t maxAnswerBytes = 64 * 1024;  // real answers are a few hundred bytes
     VersionCheckTiming timing;
 };
 

@@ -153,9 +153,10 @@ void HttpsTestServer::HandleClient(int fd) {
             body = body_;
             behaviour = behaviour_;
         }
-        const std::string header = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"
-                                   "Content-Length: " + std::to_string(body.size()) +
-                                   "\r\nConnection: close\r\n\r\n";
+        const std::string header =
+            "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"
+            "Content-Length: " +
+            std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n";
         if (behaviour == Behaviour::kAnswer) {
             WriteAll(ssl, header + body);
             SSL_shutdown(ssl);

@@ -26,9 +26,7 @@ using namespace std::chrono_literals;
 class UrlRecorder : public QObject {
     Q_OBJECT
 public:
-    UrlRecorder() {
-        QDesktopServices::setUrlHandler("https", this, "Open");
-    }
+    UrlRecorder() { QDesktopServices::setUrlHandler("https", this, "Open"); }
     ~UrlRecorder() override { QDesktopServices::unsetUrlHandler("https"); }
     QStringList opened;
 

@@ -18,9 +18,7 @@ QString UniqueTitle(const char* test) {
 
 // A probe process with its output collected as it comes.
 struct Probe {
-    explicit Probe(const QString& title) {
-        process.start(SINGLE_INSTANCE_PROBE, {title});
-    }
+    explicit Probe(const QString& title) { process.start(SINGLE_INSTANCE_PROBE, {title}); }
     ~Probe() {
         if (process.state() != QProcess::NotRunning) {
             process.kill();

@@ -49,8 +49,7 @@ QApplication& GuiTestApp() {
     return environment->App();
 }
 
-MessageBoxAnswerer::MessageBoxAnswerer(QMessageBox::StandardButton button)
-    : timer_(new QTimer) {
+MessageBoxAnswerer::MessageBoxAnswerer(QMessageBox::StandardButton button) : timer_(new QTimer) {
     timer_->setInterval(10);
     QObject::connect(timer_, &QTimer::timeout, [this, button] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -68,10 +67,11 @@ MessageBoxAnswerer::MessageBoxAnswerer(QMessageBox::StandardButton button)
     timer_->start();
 }
 
-MessageBoxAnswerer::~MessageBoxAnswerer() { delete timer_; }
+MessageBoxAnswerer::~MessageBoxAnswerer() {
+    delete timer_;
+}
 
-bool ProcessEventsUntil(const std::function<bool()>& condition,
-                        std::chrono::milliseconds timeout) {
+bool ProcessEventsUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {
     return Eventually(
         [&] {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
