@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 
 #include "tests/support/test_support.h"
@@ -12,7 +13,27 @@
 
 // Qt's platform layer keeps a buffer of the D-Bus library that it never
 // frees; it is not ours to fix.
-extern "C" const char* __lsan_default_suppressions() { return "leak:libdbus-1.so\n"; }
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libdbus-1.so\n";
+}
+
+// Qt is not built with the thread sanitizer, so the locking between its own
+// threads (X event reader, D-Bus connection) and of the X and D-Bus
+// libraries under it is invisible to it. Races in our
+// code stay reported.
+extern "C" const char* __tsan_default_suppressions() {
+    return "called_from_lib:libQt6Core.so.6\n"
+           "called_from_lib:libQt6Gui.so.6\n"
+           "called_from_lib:libQt6DBus.so.6\n"
+           "called_from_lib:libQt6XcbQpa.so.6\n"
+           "race:libQt6Core.so.6\n"
+           "race:libQt6DBus.so.6\n"
+           "race:libQt6XcbQpa.so.6\n"
+           "called_from_lib:libxcb.so.1\n"
+           "called_from_lib:libdbus-1.so.3\n"
+           "mutex:libxcb.so.1\n"
+           "mutex:libX11.so.6\n";
+}
 
 namespace orv::test {
 
@@ -25,6 +46,9 @@ public:
     QApplication& App() {
         if (!app_) {
             display_ = std::make_unique<XvfbDisplay>("1280x1024x24");
+            // Qt's own event loop instead of GLib's, whose locking the
+            // thread sanitizer cannot see either.
+            setenv("QT_NO_GLIB", "1", 1);
             app_ = std::make_unique<QApplication>(argc_, argv_);
         }
         return *app_;
