@@ -1,0 +1,62 @@
+#include "app/startup_options.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "common/debug_log.h"
+
+namespace orv {
+
+StartupOptions ParseStartupOptions(int argc, const char* const* argv) {
+    StartupOptions options;
+    for (int i = 0; i < argc; ++i) {
+        const char* arg = argv[i];
+        if (arg == nullptr) {
+            continue;
+        }
+        if (std::strcmp(arg, "-debug") == 0) {
+            options.debug = true;
+        } else if (std::strcmp(arg, "-debug_packet") == 0) {
+            options.debugPacket = true;
+        } else if (std::strcmp(arg, "-debug_file") == 0) {
+            options.debugFile = true;
+        } else if (std::strcmp(arg, "-demo") == 0) {
+            options.demo = true;
+        } else if (std::strcmp(arg, "-console") == 0) {
+            options.console = true;
+        }
+    }
+    return options;
+}
+
+bool ApplyStartupOptions(const StartupOptions& options) {
+    if (!options.debug && !options.debugPacket) {
+        return true;
+    }
+    ShowLog(options.debug, options.debugPacket);
+    if (!options.debugFile) {
+        return true;
+    }
+    // Redirecting the descriptor keeps stdout usable when the file cannot be
+    // opened, where reopening the stream would have closed it.
+    const int fd = open("log.txt", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0) {
+        LOG_ERROR("open error:0x%x\n", static_cast<unsigned>(errno));
+        return false;
+    }
+    std::fflush(stdout);
+    const bool redirected = dup2(fd, STDOUT_FILENO) >= 0;
+    if (!redirected) {
+        LOG_ERROR("dup2 error:0x%x\n", static_cast<unsigned>(errno));
+    }
+    close(fd);
+    // Line-buffered so the file can be followed while the program runs.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    return redirected;
+}
+
+}  // namespace orv

@@ -1,0 +1,187 @@
+#include "tests/app/https_test_server.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace orv::test {
+
+namespace {
+
+X509* MakeCertificate(EVP_PKEY* key) {
+    X509* cert = X509_new();
+    X509_set_version(cert, 2);
+    ASN1_INTEGER_set(X509_get_serialNumber(cert), 1);
+    X509_gmtime_adj(X509_getm_notBefore(cert), -3600);
+    X509_gmtime_adj(X509_getm_notAfter(cert), 24 * 3600);
+    X509_set_pubkey(cert, key);
+    X509_NAME* name = X509_get_subject_name(cert);
+    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
+                               reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
+    X509_set_issuer_name(cert, name);
+    X509V3_CTX ctx;
+    X509V3_set_ctx_nodb(&ctx);
+    X509V3_set_ctx(&ctx, cert, cert, nullptr, nullptr, 0);
+    for (const auto& [nid, value] : {std::pair{NID_subject_alt_name, "IP:127.0.0.1"},
+                                     std::pair{NID_basic_constraints, "critical,CA:TRUE"}}) {
+        X509_EXTENSION* ext = X509V3_EXT_conf_nid(nullptr, &ctx, nid, value);
+        X509_add_ext(cert, ext, -1);
+        X509_EXTENSION_free(ext);
+    }
+    X509_sign(cert, key, EVP_sha256());
+    return cert;
+}
+
+bool ReadRequestHead(SSL* ssl, std::string* head) {
+    char buffer[1024];
+    while (head->find("\r\n\r\n") == std::string::npos && head->size() < 16384) {
+        const int n = SSL_read(ssl, buffer, sizeof buffer);
+        if (n <= 0) {
+            return false;
+        }
+        head->append(buffer, static_cast<size_t>(n));
+    }
+    return true;
+}
+
+bool WriteAll(SSL* ssl, const std::string& bytes) {
+    size_t sent = 0;
+    while (sent < bytes.size()) {
+        const int n = SSL_write(ssl, bytes.data() + sent, static_cast<int>(bytes.size() - sent));
+        if (n <= 0) {
+            return false;
+        }
+        sent += static_cast<size_t>(n);
+    }
+    return true;
+}
+
+}  // namespace
+
+HttpsTestServer::HttpsTestServer(const std::filesystem::path& folder, const std::string& name) {
+    // A client that hangs up mid-answer must not kill the test process.
+    signal(SIGPIPE, SIG_IGN);
+    EVP_PKEY* key = EVP_EC_gen("P-256");
+    X509* cert = MakeCertificate(key);
+    caFile_ = folder / (name + ".pem");
+    if (FILE* out = std::fopen(caFile_.c_str(), "w")) {
+        PEM_write_X509(out, cert);
+        std::fclose(out);
+    }
+    SSL_CTX* context = SSL_CTX_new(TLS_server_method());
+    SSL_CTX_use_certificate(context, cert);
+    SSL_CTX_use_PrivateKey(context, key);
+    X509_free(cert);
+    EVP_PKEY_free(key);
+    context_ = context;
+
+    listenFd_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    if (bind(listenFd_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+        listen(listenFd_, 8) != 0 ||
+        getsockname(listenFd_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+        return;
+    }
+    port_ = ntohs(address.sin_port);
+    thread_ = std::thread([this] { Serve(); });
+}
+
+HttpsTestServer::~HttpsTestServer() {
+    stop_ = true;
+    if (thread_.joinable()) {
+        thread_.join();
+    }
+    if (listenFd_ >= 0) {
+        close(listenFd_);
+    }
+    SSL_CTX_free(static_cast<SSL_CTX*>(context_));
+}
+
+void HttpsTestServer::Answer(std::string body, Behaviour behaviour) {
+    std::lock_guard lock(mutex_);
+    body_ = std::move(body);
+    behaviour_ = behaviour;
+}
+
+std::string HttpsTestServer::LastRequest() const {
+    std::lock_guard lock(mutex_);
+    return lastRequest_;
+}
+
+void HttpsTestServer::Serve() {
+    pollfd waiter{listenFd_, POLLIN, 0};
+    while (!stop_) {
+        if (poll(&waiter, 1, 20) <= 0) {
+            continue;
+        }
+        const int fd = accept4(listenFd_, nullptr, nullptr, SOCK_CLOEXEC);
+        if (fd >= 0) {
+            ++connections_;
+            HandleClient(fd);
+            close(fd);
+        }
+    }
+}
+
+void HttpsTestServer::HandleClient(int fd) {
+    // A client that stops talking must not hold the server past the test.
+    timeval limit{5, 0};
+    setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    SSL* ssl = SSL_new(static_cast<SSL_CTX*>(context_));
+    SSL_set_fd(ssl, fd);
+    std::string head;
+    if (SSL_accept(ssl) == 1 && ReadRequestHead(ssl, &head)) {
+        std::string body;
+        Behaviour behaviour;
+        {
+            std::lock_guard lock(mutex_);
+            lastRequest_ = head.substr(0, head.find("\r\n\r\n") + 2);
+            body = body_;
+            behaviour = behaviour_;
+        }
+        const std::string header =
+            "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"
+            "Content-Length: " +
+            std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n";
+        if (behaviour == Behaviour::kAnswer) {
+            WriteAll(ssl, header + body);
+            SSL_shutdown(ssl);
+        } else {
+            WriteAll(ssl, header + body.substr(0, body.size() / 2));
+            // Silent until the client gives up and closes.
+            pollfd client{fd, POLLIN, 0};
+            while (!stop_ && poll(&client, 1, 20) == 0) {
+            }
+        }
+    }
+    SSL_free(ssl);
+    ERR_clear_error();
+}
+
+int UnusedLoopbackPort() {
+    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
+    close(fd);
+    return ntohs(address.sin_port);
+}
+
+}  // namespace orv::test

@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QDesktopServices>
+#include <QThread>
+#include <QUrl>
+
+#include <fstream>
+#include <thread>
+
+#include "app/deployment.h"
+#include "app/help_links.h"
+#include "app/simulator_launcher.h"
+#include "app/version_check_worker.h"
+#include "tests/app/https_test_server.h"
+#include "tests/support/test_support.h"
+#include "tests/ui/gui_test_app.h"
+
+namespace {
+
+using orv::test::MessageBoxAnswerer;
+using orv::test::ProcessEventsUntil;
+using namespace std::chrono_literals;
+
+// Stands in for the desktop's browser.
+class UrlRecorder : public QObject {
+    Q_OBJECT
+public:
+    UrlRecorder() { QDesktopServices::setUrlHandler("https", this, "Open"); }
+    ~UrlRecorder() override { QDesktopServices::unsetUrlHandler("https"); }
+    QStringList opened;
+
+public slots:
+    void Open(const QUrl& url) { opened << url.toString(); }
+};
+
+TEST(HelpLinks, PagesAndQuestions) {
+    orv::test::GuiTestApp();
+    const std::string site = "https://www.orvane.invalid";
+    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kUserGuide), site + "/userguide/");
+    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kSupport), site + "/support.html");
+    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kSimulator), site + "/e6/");
+    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kFirmware), site + "/firmware/");
+
+    UrlRecorder browser;
+    {
+        MessageBoxAnswerer cancel(QMessageBox::Cancel);
+        EXPECT_FALSE(orv::AskAndOpen(nullptr, "Open the user guide?", site + "/userguide/"));
+        EXPECT_EQ(cancel.seen().text, "Open the user guide?");
+        EXPECT_EQ(cancel.seen().icon, QMessageBox::Question);
+        EXPECT_EQ(cancel.seen().buttons, QMessageBox::Ok | QMessageBox::Cancel);
+        EXPECT_TRUE(browser.opened.isEmpty());
+    }
+    {
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        EXPECT_TRUE(orv::AskAndOpen(nullptr, "Open support?", site + "/support.html"));
+        EXPECT_EQ(browser.opened, QStringList{"https://www.orvane.invalid/support.html"});
+    }
+    {
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        EXPECT_TRUE(orv::AskPlainAndOpen(nullptr, "E6 is not installed.", site + "/e6/"));
+        EXPECT_EQ(ok.seen().icon, QMessageBox::NoIcon);
+        EXPECT_EQ(ok.seen().buttons, QMessageBox::Ok | QMessageBox::Cancel);
+    }
+    {
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        EXPECT_TRUE(orv::InformAndOpen(nullptr, "New firmware", site + "/firmware/"));
+        EXPECT_EQ(ok.seen().icon, QMessageBox::Information);
+        EXPECT_EQ(ok.seen().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    }
+    EXPECT_EQ(browser.opened.size(), 3);
+    EXPECT_EQ(browser.opened.back(), "https://www.orvane.invalid/firmware/");
+}
+
+TEST(Deployment, ProductDefaults) {
+    const orv::VersionCheckConfig config = orv::DefaultVersionCheckConfig();
+    EXPECT_FALSE(config.host.empty());
+    EXPECT_EQ(config.port, 9443);
+    EXPECT_EQ(config.timing.connect, 10s);
+    EXPECT_EQ(config.runningVersion, orv::GetVersion());
+    const std::string site = orv::DefaultWebSite();
+    EXPECT_EQ(site.rfind("https://", 0), 0u) << site;
+    EXPECT_NE(site.back(), '/');
+}
+
+TEST(SimulatorLauncher, StartsTheProgramInItsFolder) {
+    orv::test::GuiTestApp();
+    orv::test::TempDir dir;
+    EXPECT_EQ(orv::StartSimulator(""), orv::SimulatorStart::kNotInstalled);
+    EXPECT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kNotInstalled);
+
+    const auto program = dir.path() / "e6golf.exe";
+    std::ofstream(program) << "#!/bin/sh\npwd > started.txt\n";
+    chmod(program.c_str(), 0644);
+    EXPECT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kFailed);
+
+    chmod(program.c_str(), 0755);
+    ASSERT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kStarted);
+    const auto marker = dir.path() / "started.txt";
+    std::string folder;
+    EXPECT_TRUE(orv::test::Eventually([&] {
+        std::ifstream in(marker);
+        return std::getline(in, folder) && !folder.empty();
+    }));
+    EXPECT_EQ(folder, dir.path().string());
+}
+
+TEST(VersionCheckWorker, ResultArrivesOnTheUiThread) {
+    orv::test::GuiTestApp();
+    orv::test::TempDir dir;
+    orv::test::HttpsTestServer server(dir.path(), "service");
+    ASSERT_TRUE(server.ok());
+    server.Answer(R"({"data":{"app_ver":"9.0.0","app_down_url":"https://dl.orvane.invalid/a",)"
+                  R"("firm_ver":"1.0.4","firm_down_url":"https://dl.orvane.invalid/f"}})");
+    orv::VersionCheckConfig config;
+    config.host = "127.0.0.1";
+    config.port = server.port();
+    config.caFile = server.caFile();
+    config.runningVersion = "1.0.0";
+
+    orv::VersionCheckWorker worker(config);
+    std::vector<orv::VersionCheckResult> results;
+    bool onUiThread = false;
+    QObject::connect(&worker, &orv::VersionCheckWorker::Finished,
+                     [&](const orv::VersionCheckResult& result) {
+                         onUiThread = QThread::currentThread() == qApp->thread();
+                         results.push_back(result);
+                     });
+    worker.Start();
+    worker.Start();  // once only
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !results.empty(); }));
+    EXPECT_TRUE(onUiThread);
+    EXPECT_TRUE(orv::ShouldOfferAppUpdate(results[0]));
+    EXPECT_FALSE(orv::ShouldOfferFirmwareUpdate("1.0.5", results[0].latest.latestFirmwareVersion));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(results.size(), 1u);
+}
+
+TEST(VersionCheckWorker, DestroyedWhileCheckingWaitsAndStaysSilent) {
+    orv::test::GuiTestApp();
+    orv::test::TempDir dir;
+    orv::test::HttpsTestServer server(dir.path(), "service");
+    ASSERT_TRUE(server.ok());
+    server.Answer(R"({"data":{}})", orv::test::HttpsTestServer::Behaviour::kStall);
+    orv::VersionCheckConfig config;
+    config.host = "127.0.0.1";
+    config.port = server.port();
+    config.caFile = server.caFile();
+    config.timing.total = 300ms;
+
+    int finished = 0;
+    const auto start = std::chrono::steady_clock::now();
+    {
+        orv::VersionCheckWorker worker(config);
+        QObject::connect(&worker, &orv::VersionCheckWorker::Finished, [&] { ++finished; });
+        worker.Start();
+        ASSERT_TRUE(orv::test::Eventually([&] { return server.Connections() == 1; }));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(finished, 0);
+}
+
+}  // namespace
+
+#include "shell_links_test.moc"

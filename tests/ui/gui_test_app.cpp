@@ -1,0 +1,111 @@
+#include "tests/ui/gui_test_app.h"
+
+#include <QAbstractButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "tests/support/test_support.h"
+#include "tests/support/xvfb_display.h"
+
+// Qt's platform layer keeps a buffer of the D-Bus library that it never
+// frees; it is not ours to fix.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libdbus-1.so\n";
+}
+
+// Qt is not built with the thread sanitizer, so the locking between its own
+// threads (X event reader, D-Bus connection) and of the X and D-Bus
+// libraries under it is invisible to it. Races in our
+// code stay reported.
+extern "C" const char* __tsan_default_suppressions() {
+    return "called_from_lib:libQt6Core.so.6\n"
+           "called_from_lib:libQt6Gui.so.6\n"
+           "called_from_lib:libQt6DBus.so.6\n"
+           "called_from_lib:libQt6XcbQpa.so.6\n"
+           "race:libQt6Core.so.6\n"
+           "race:libQt6DBus.so.6\n"
+           "race:libQt6XcbQpa.so.6\n"
+           "called_from_lib:libxcb.so.1\n"
+           "called_from_lib:libdbus-1.so.3\n"
+           "mutex:libxcb.so.1\n"
+           "mutex:libX11.so.6\n";
+}
+
+namespace orv::test {
+
+namespace {
+
+// Qt's own globals are gone by the time static objects are destroyed, so the
+// application ends with the tests, before the display goes.
+class GuiEnvironment : public ::testing::Environment {
+public:
+    QApplication& App() {
+        if (!app_) {
+            display_ = std::make_unique<XvfbDisplay>("1280x1024x24");
+            // Qt's own event loop instead of GLib's, whose locking the
+            // thread sanitizer cannot see either.
+            setenv("QT_NO_GLIB", "1", 1);
+            app_ = std::make_unique<QApplication>(argc_, argv_);
+        }
+        return *app_;
+    }
+    void TearDown() override {
+        app_.reset();
+        display_.reset();
+    }
+
+private:
+    int argc_ = 1;
+    char name_[16] = "orvane-gui-test";
+    char* argv_[2] = {name_, nullptr};
+    std::unique_ptr<XvfbDisplay> display_;
+    std::unique_ptr<QApplication> app_;
+};
+
+}  // namespace
+
+QApplication& GuiTestApp() {
+    static GuiEnvironment* environment = [] {
+        auto* made = new GuiEnvironment;
+        ::testing::AddGlobalTestEnvironment(made);  // owned and torn down by GoogleTest
+        return made;
+    }();
+    return environment->App();
+}
+
+MessageBoxAnswerer::MessageBoxAnswerer(QMessageBox::StandardButton button) : timer_(new QTimer) {
+    timer_->setInterval(10);
+    QObject::connect(timer_, &QTimer::timeout, [this, button] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr || seen_.seen) {
+            return;
+        }
+        seen_ = {true, box->text(), box->icon(), box->standardButtons()};
+        if (QAbstractButton* answer = box->button(button)) {
+            answer->click();
+        } else {
+            box->reject();
+        }
+        timer_->stop();
+    });
+    timer_->start();
+}
+
+MessageBoxAnswerer::~MessageBoxAnswerer() {
+    delete timer_;
+}
+
+bool ProcessEventsUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {
+    return Eventually(
+        [&] {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+            return condition();
+        },
+        timeout, std::chrono::milliseconds(1));
+}
+
+}  // namespace orv::test

@@ -1,0 +1,205 @@
+#include "ui/orvane_ui_control.h"
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include "tests/ui/gui_test_app.h"
+#include "ui/check_image.h"
+#include "ui/radio_group.h"
+#include "ui/status_label.h"
+#include "ui/ui_theme.h"
+#include "ui/waiting_overlay.h"
+
+namespace {
+
+using orv::test::ProcessEventsUntil;
+using OrvaneWinUI::OrvaneUIControl;
+using OrvaneWinUI::RadioGroup;
+
+struct UiControl : ::testing::Test {
+    UiControl() {
+        control.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&control));
+    }
+    // Whether the widget under the centre of `target` (as the window system
+    // would deliver a click) is `target` or inside it.
+    static bool ReceivesClicksAt(QWidget* target) {
+        QWidget* hit = QApplication::widgetAt(target->mapToGlobal(target->rect().center()));
+        return hit == target || target->isAncestorOf(hit);
+    }
+    static bool ShowsColour(QWidget* widget, const QColor& colour) {
+        const QImage image = widget->grab().toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y) == colour) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    QApplication& app = orv::test::GuiTestApp();  // before any widget
+    OrvaneUIControl control;
+};
+
+TEST_F(UiControl, ButtonsAndCheckImagesSignal) {
+    EXPECT_EQ(control.size(), QSize(1040, 680));
+    struct Case {
+        QPushButton* button;
+        void (OrvaneUIControl::*signal)();
+    };
+    for (const Case& c : {Case{control.btnExit, &OrvaneUIControl::ExitClicked},
+                          Case{control.btnStart, &OrvaneUIControl::StartClicked},
+                          Case{control.btnSave, &OrvaneUIControl::SaveClicked},
+                          Case{control.btnManual, &OrvaneUIControl::ManualClicked},
+                          Case{control.btnSupport, &OrvaneUIControl::SupportClicked}}) {
+        ASSERT_NE(c.button, nullptr);
+        SCOPED_TRACE(c.button->text().toStdString());
+        EXPECT_TRUE(c.button->isVisible());
+        EXPECT_TRUE(ReceivesClicksAt(c.button));
+        QSignalSpy spy(&control, c.signal);
+        QTest::mouseClick(c.button, Qt::LeftButton);
+        EXPECT_EQ(spy.count(), 1);
+    }
+    QSignalSpy yes(&control, &OrvaneUIControl::ShowShotYesClicked);
+    QSignalSpy no(&control, &OrvaneUIControl::ShowShotNoClicked);
+    QTest::mouseClick(control.ckShowShotYes, Qt::LeftButton);
+    QTest::mouseClick(control.ckShowShotNo, Qt::LeftButton);
+    QTest::mouseClick(control.ckShowShotNo, Qt::LeftButton);
+    EXPECT_EQ(yes.count(), 1);
+    EXPECT_EQ(no.count(), 2);
+    EXPECT_TRUE(ReceivesClicksAt(control.ckShowShotYes));
+}
+
+TEST_F(UiControl, RadioGroupsKeepTheirIndex) {
+    struct Case {
+        RadioGroup* group;
+        int count;
+    };
+    for (const Case& c :
+         {Case{control.radioGroupSwingLv, 3}, Case{control.radioGroupSwingSens, 3},
+          Case{control.radioGroupEffect, 2}, Case{control.radioGroupClub, 2},
+          Case{control.radioGroupShowShotResult, 2}, Case{control.radioGroupCameraPreview, 2},
+          Case{control.radioGroupSwingRecord, 2}}) {
+        ASSERT_NE(c.group, nullptr);
+        SCOPED_TRACE(c.group->Title().toStdString());
+        ASSERT_EQ(c.group->Count(), c.count);
+        QSignalSpy clicked(c.group, &RadioGroup::ChoiceClicked);
+        for (int i = c.count - 1; i >= 0; --i) {
+            EXPECT_TRUE(c.group->SetSelectedIndex(i));
+            EXPECT_EQ(c.group->SelectedIndex(), i);
+        }
+        EXPECT_FALSE(c.group->SetSelectedIndex(c.count));
+        EXPECT_FALSE(c.group->SetSelectedIndex(-1));
+        EXPECT_EQ(c.group->SelectedIndex(), 0);
+        EXPECT_EQ(clicked.count(), 0);  // setting is not clicking
+
+        QTest::mouseClick(c.group->Choice(c.count - 1), Qt::LeftButton);
+        EXPECT_EQ(c.group->SelectedIndex(), c.count - 1);
+        ASSERT_EQ(clicked.count(), 1);
+        EXPECT_EQ(clicked.at(0).at(0).toInt(), c.count - 1);
+    }
+    // The check images follow the show-shot choice.
+    control.radioGroupShowShotResult->SetSelectedIndex(0);
+    EXPECT_TRUE(control.ckShowShotYes->IsChecked());
+    EXPECT_FALSE(control.ckShowShotNo->IsChecked());
+    control.radioGroupShowShotResult->SetSelectedIndex(1);
+    EXPECT_FALSE(control.ckShowShotYes->IsChecked());
+    EXPECT_TRUE(control.ckShowShotNo->IsChecked());
+}
+
+TEST_F(UiControl, LabelsShowTextInTheirColour) {
+    for (OrvaneWinUI::StatusLabel* label :
+         {control.lbE6Conn, control.lbOrvaneConn, control.lbFwVer, control.lbBattery}) {
+        ASSERT_NE(label, nullptr);
+        label->SetStatus("Connected", OrvaneWinUI::kConnectedColor);
+        EXPECT_EQ(label->text(), "Connected");
+        EXPECT_EQ(label->TextColor(), QColor(211, 255, 70));
+        EXPECT_TRUE(ShowsColour(label, QColor(211, 255, 70)));
+        label->SetText("Disconnected");
+        label->SetTextColor(Qt::red);
+        EXPECT_EQ(label->text(), "Disconnected");
+        EXPECT_TRUE(ShowsColour(label, Qt::red));
+        EXPECT_FALSE(ShowsColour(label, QColor(211, 255, 70)));
+    }
+}
+
+TEST_F(UiControl, WaitingDialogCoversWithoutBlocking) {
+    bool timerRan = false;
+    QTimer::singleShot(0, [&] { timerRan = true; });
+    control.ShowWaitingDlg();  // returns at once
+    EXPECT_TRUE(control.IsWaitingDlgShown());
+    EXPECT_TRUE(ProcessEventsUntil([&] { return timerRan; }));
+    EXPECT_FALSE(ReceivesClicksAt(control.btnExit));
+    EXPECT_FALSE(ReceivesClicksAt(control.radioGroupClub->Choice(1)));
+
+    control.resize(1200, 760);  // the dialog resizes the control; the cover follows
+    EXPECT_TRUE(ProcessEventsUntil([&] { return control.waitingDlg->size() == control.size(); }));
+
+    control.HideWaitingDlg();
+    EXPECT_FALSE(control.IsWaitingDlgShown());
+    EXPECT_TRUE(ReceivesClicksAt(control.btnExit));
+}
+
+TEST_F(UiControl, ClubPickerAndLastShot) {
+    QSignalSpy asked(&control, &OrvaneUIControl::ClubChangeRequested);
+    control.SetClubs({{0x01, "Driver"}, {0x08, "7 Iron"}, {0x0F, "Putter"}});
+    control.SetCurrentClub(0x08);
+    EXPECT_EQ(control.clubPicker->CurrentClub(), 0x08);
+    EXPECT_EQ(asked.count(), 0);  // showing the sensor's club asks for nothing
+
+    control.clubPicker->Box()->setFocus();
+    QTest::keyClick(control.clubPicker->Box(), Qt::Key_Down);
+    ASSERT_EQ(asked.count(), 1);
+    EXPECT_EQ(asked.at(0).at(0).toInt(), 0x0F);
+
+    using OrvaneWinUI::ShotValue;
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kBallSpeed), "--");
+    control.SetLastShot({142.37, 12.04, -2.06, 2845.6, 412.0, 98.95, "7 Iron"});
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kBallSpeed), "142.4");
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kLaunchAngle), "12.0");
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kDirection), "L 2.1");
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kBackSpin), "2846");
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kSideSpin), "R 412");
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kHeadSpeed), "99.0");
+    EXPECT_EQ(control.shotPanel->ClubText(), "7 Iron");
+    control.SetLastShot({100, 10, 0.01, 3000, -0.2, 80, "Driver"});
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kDirection), "0.0");
+    EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kSideSpin), "0");
+}
+
+// The control as a user sees it, saved for the documentation.
+TEST_F(UiControl, Screenshot) {
+    control.lbE6Conn->SetStatus("Connected", OrvaneWinUI::kConnectedColor);
+    control.lbOrvaneConn->SetStatus("Connected", OrvaneWinUI::kConnectedColor);
+    control.lbBattery->SetText("87%");
+    control.lbFwVer->SetText("1.0.4");
+    control.SetClubs({{0x01, "Driver"}, {0x02, "3 Wood"}, {0x08, "7 Iron"}, {0x0F, "Putter"}});
+    control.SetCurrentClub(0x01);
+    control.radioGroupClub->SetSelectedIndex(1);
+    control.SetLastShot({148.6, 13.2, -1.8, 2710, -240, 101.4, "Driver"});
+    ProcessEventsUntil([] { return false; }, std::chrono::milliseconds(100));
+    const QImage image = control.grab().toImage();
+    EXPECT_EQ(image.size(), QSize(1040, 680));
+    EXPECT_TRUE(image.save(ORVANE_SCREENSHOT_DIR "/ui-control.png"));
+
+    // The longest state still fits its tile.
+    control.lbE6Conn->SetStatus("Disconnected", OrvaneWinUI::kDisconnectedColor);
+    ProcessEventsUntil([] { return false; }, std::chrono::milliseconds(50));
+    EXPECT_GE(control.lbE6Conn->width(), control.lbE6Conn->sizeHint().width());
+
+    control.lbOrvaneConn->SetStatus("Scanning", OrvaneWinUI::kDisconnectedColor);
+    EXPECT_TRUE(control.grab().save(ORVANE_SCREENSHOT_DIR "/ui-control-disconnected.png"));
+    control.ShowWaitingDlg();
+    EXPECT_TRUE(control.grab().save(ORVANE_SCREENSHOT_DIR "/ui-control-waiting.png"));
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#include "ui/shot_panel.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace OrvaneWinUI {
+
+namespace {
+
+struct CellSpec {
+    const char* caption;
+    const char* unit;
+};
+
+constexpr CellSpec kCells[6] = {
+    {"BALL SPEED", "mph"}, {"LAUNCH", "deg"},    {"DIRECTION", "deg"},
+    {"BACK SPIN", "rpm"},  {"SIDE SPIN", "rpm"}, {"HEAD SPEED", "mph"},
+};
+
+QString Fixed(double value, int decimals) {
+    return QString::number(value, 'f', decimals);
+}
+
+// Left/right values read as "L 2.1" or "R 2.1" rather than a sign.
+QString Sided(double value, int decimals) {
+    const QString magnitude = Fixed(std::fabs(value), decimals);
+    if (magnitude.toDouble() == 0) {
+        return magnitude;
+    }
+    return (value < 0 ? "L " : "R ") + magnitude;
+}
+
+}  // namespace
+
+ShotPanel::ShotPanel(QWidget* parent)
+    : QFrame(parent),
+      title_(new QLabel("LAST SHOT")),
+      club_(new QLabel),
+      layout_(new QVBoxLayout(this)) {
+    setObjectName("shotPanel");
+    title_->setObjectName("caption");
+    club_->setObjectName("shotClub");
+    layout_->setContentsMargins(18, 14, 18, 16);
+    layout_->setSpacing(12);
+    auto* head = new QHBoxLayout;
+    head->addWidget(title_);
+    head->addStretch(1);
+    head->addWidget(club_);
+    layout_->addLayout(head);
+
+    auto* grid = new QGridLayout;
+    grid->setSpacing(10);
+    for (int i = 0; i < 6; ++i) {
+        auto* frame = new QFrame;
+        frame->setObjectName("shotCell");
+        auto* cell = new QVBoxLayout(frame);
+        cell->setContentsMargins(14, 10, 14, 10);
+        cell->setSpacing(2);
+        cells_[i] = {new QLabel(kCells[i].caption), new QLabel, new QLabel(kCells[i].unit)};
+        cells_[i].caption->setObjectName("caption");
+        cells_[i].value->setObjectName("shotValue");
+        cells_[i].unit->setObjectName("shotUnit");
+        cell->addWidget(cells_[i].caption);
+        auto* figure = new QHBoxLayout;
+        figure->setSpacing(6);
+        figure->addWidget(cells_[i].value);
+        figure->addWidget(cells_[i].unit, 0, Qt::AlignBottom);
+        figure->addStretch(1);
+        cell->addLayout(figure);
+        grid->addWidget(frame, i / 2, i % 2);
+    }
+    layout_->addLayout(grid, 1);
+    Clear();
+}
+
+void ShotPanel::SetLastShot(const LastShot& shot) {
+    At(ShotValue::kBallSpeed).value->setText(Fixed(shot.ballSpeed, 1));
+    At(ShotValue::kLaunchAngle).value->setText(Fixed(shot.launchAngle, 1));
+    At(ShotValue::kDirection).value->setText(Sided(shot.direction, 1));
+    At(ShotValue::kBackSpin).value->setText(Fixed(shot.backSpin, 0));
+    At(ShotValue::kSideSpin).value->setText(Sided(shot.sideSpin, 0));
+    At(ShotValue::kHeadSpeed).value->setText(Fixed(shot.headSpeed, 1));
+    club_->setText(shot.club);
+    hasShot_ = true;
+}
+
+void ShotPanel::Clear() {
+    for (Cell& cell : cells_) {
+        cell.value->setText(QStringLiteral("--"));
+    }
+    club_->clear();
+    hasShot_ = false;
+}
+
+QString ShotPanel::ValueText(ShotValue value) const {
+    return At(value).value->text();
+}
+
+QString ShotPanel::ClubText() const {
+    return club_->text();
+}
+
+void ShotPanel::SetTitle(const QString& text) {
+    title_->setText(text.toUpper());
+}
+
+void ShotPanel::SetCaption(ShotValue value, const QString& text) {
+    At(value).caption->setText(text.toUpper());
+}
+
+void ShotPanel::AddFooter(QWidget* widget) {
+    layout_->addWidget(widget);
+}
+
+}  // namespace OrvaneWinUI
