@@ -1,6 +1,8 @@
 #include "session/orv_manager.h"
 
-#include "ble/bluez/bluez_stack.h"
+#include "ble/bluez/make_bluez_stack.h"
+#include "ble/virtual/virtual_sensor.h"
+#include "ble/virtual/virtual_stack.h"
 #include "common/clock.h"
 #include "common/debug_log.h"
 #include "common/speech.h"
@@ -19,6 +21,19 @@ constexpr const char* kDeviceNameFilter = "orvane";
 constexpr const char* kServiceUuid = "{6e400001-b5a3-f393-e0a9-e50e24dcca9e}";
 constexpr const char* kWriteUuid = "{6e400002-b5a3-f393-e0a9-e50e24dcca9e}";
 constexpr const char* kNotifyUuid = "{6e400003-b5a3-f393-e0a9-e50e24dcca9e}";
+
+// A virtual sensor in range that swings by itself every few seconds.
+std::unique_ptr<BleStack> MakeDemoSensorStack() {
+    auto sensor = std::make_shared<VirtualSensor>();
+    sensor->SetAutoSwing(true);
+    auto stack = std::make_unique<VirtualStack>();
+    VirtualPeripheral peripheral;
+    peripheral.address = 0x0A0B0C0D0E0F;
+    peripheral.name = sensor->Name();
+    peripheral.sensor = sensor;
+    stack->AddPeripheral(peripheral);
+    return stack;
+}
 
 }  // namespace
 
@@ -91,8 +106,9 @@ void OrvManager::StartOrvane() {
         recvWorker->thread = std::make_unique<std::thread>(&OrvManager::HandleRecvQ, this);
     }
     if (gatt.load() == nullptr) {
-        std::unique_ptr<BleStack> stack =
-            config.makeBleStack ? config.makeBleStack() : MakeBluezStack();
+        std::unique_ptr<BleStack> stack = config.makeBleStack ? config.makeBleStack()
+                                          : config.demoMode   ? MakeDemoSensorStack()
+                                                              : MakeBluezStack();
         ownedGatt = std::make_unique<BtfrGattWrapper>(std::move(stack));
         ownedGatt->SetOwner(this);
         ownedGatt->SetDeviceNameFilter(kDeviceNameFilter);

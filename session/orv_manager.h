@@ -23,14 +23,17 @@
 #include "session/session_timing.h"
 #include "session/worker_record.h"
 #include "simulator/e6_trusim_client.h"
+#include "simulator/shot_records.h"
 
 namespace Orvane {
 
 // How the manager reaches its two peers. The product uses the defaults;
 // tests and the demo mode point it elsewhere.
 struct OrvManagerConfig {
-    // The sensor's stack; null means BlueZ on the system bus.
+    // The sensor's stack; null means BlueZ on the system bus, or the
+    // in-process demo sensor in demo mode.
     std::function<std::unique_ptr<BleStack>()> makeBleStack;
+    bool demoMode = false;
     // Empty means this computer's own first IPv4 address.
     std::string simulatorAddress;
     int simulatorPort = 2483;
@@ -39,6 +42,12 @@ struct OrvManagerConfig {
     E6TruSimTiming e6Timing;
     // Played when a swing becomes a shot; may be empty.
     std::function<void()> playShot;
+};
+
+struct LastShotInfo {
+    int club = 0;
+    E6BallData ball;
+    E6ClubData clubData;
 };
 
 class OrvManager : public BthCallback, public E6TruSimClientCallback {
@@ -86,6 +95,9 @@ public:
     bool StartRecording();
     void StopRecording(int delaySeconds);
     void ShowRecordingFile();
+
+    // The last shot as the simulator got it (or would have), for display.
+    LastShotInfo GetLastShot() const;
 
     const OrvDeviceState& GetState() const { return *state; }
     BtfrGattWrapper* GetGatt() const { return gatt.load(); }
@@ -159,6 +171,8 @@ private:
     std::condition_variable lrSigDone;
     std::atomic<OrvManagerCallback*> callback{nullptr};
     std::atomic<RecordingControl*> recording{nullptr};
+    mutable std::mutex lastShotMutex;  // guards lastShot (receive thread writes, UI reads)
+    LastShotInfo lastShot;
     FILE* rawFile = nullptr;  // raw-data transfer target; receive thread only
     OrvManagerConfig config;
 };

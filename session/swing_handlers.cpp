@@ -255,6 +255,10 @@ void OrvManager::HandleSwingInfo(const OrvDataSwingInfoModel& record) {
         return;
     }
 
+    {
+        std::lock_guard<std::mutex> lock(lastShotMutex);
+        lastShot = LastShotInfo{club, ball, clubData};
+    }
     if (OrvManagerCallback* ui = callback.load()) {
         ui->OnOrvShot();
     }
@@ -364,5 +368,10 @@ void OrvManager::OnE6ArmState(int armState) {
 }
 
 void OrvManager::OnE6Warning(std::string text) { LOG_ERROR("%s\n", text.c_str()); }
+
+LastShotInfo OrvManager::GetLastShot() const {
+    std::lock_guard<std::mutex> lock(lastShotMutex);
+    return lastShot;
+}
 
 }  // namespace Orvane

@@ -1,0 +1,25 @@
+// The program: reads the switches, refuses a second instance, picks the
+// language, then runs the main window (or, without one, the console mode)
+// until the user quits, and tears everything down in order.
+#pragma once
+
+#include "app/startup_options.h"
+#include "session/orv_manager.h"
+
+namespace orv {
+
+class COrvaneWinApp {
+public:
+    // Returns the process exit status.
+    int Run(int argc, char** argv);
+
+    // Links and timing of the session; the product keeps the defaults.
+    Orvane::OrvManagerConfig sessionConfig;
+
+private:
+    int RunWindow(int argc, char** argv, const StartupOptions& options);
+    int RunConsole(int argc, char** argv, const StartupOptions& options);
+    static void LoadLanguage();
+};
+
+}  // namespace orv
