@@ -1,0 +1,51 @@
+#include "tests/ble/recording_owner.h"
+
+#include <algorithm>
+
+void RecordingOwner::OnBthConnectionState(int32_t state) {
+    std::lock_guard lock(mutex_);
+    states_.push_back(state);
+}
+
+void RecordingOwner::OnBthData(const uint8_t* data, uint32_t size) {
+    std::lock_guard lock(mutex_);
+    data_.emplace_back(data, data + size);
+}
+
+std::vector<int32_t> RecordingOwner::States() const {
+    std::lock_guard lock(mutex_);
+    return states_;
+}
+
+std::vector<int32_t> RecordingOwner::StatesFrom(size_t skip) const {
+    std::lock_guard lock(mutex_);
+    return skip >= states_.size()
+               ? std::vector<int32_t>{}
+               : std::vector<int32_t>(states_.begin() + static_cast<long>(skip), states_.end());
+}
+
+std::vector<std::vector<uint8_t>> RecordingOwner::Data() const {
+    std::lock_guard lock(mutex_);
+    return data_;
+}
+
+size_t RecordingOwner::DataCount() const {
+    std::lock_guard lock(mutex_);
+    return data_.size();
+}
+
+size_t RecordingOwner::CallCount() const {
+    std::lock_guard lock(mutex_);
+    return data_.size() + states_.size();
+}
+
+bool RecordingOwner::Received(const std::vector<uint8_t>& frame) const {
+    std::lock_guard lock(mutex_);
+    return std::find(data_.begin(), data_.end(), frame) != data_.end();
+}
+
+void RecordingOwner::Clear() {
+    std::lock_guard lock(mutex_);
+    states_.clear();
+    data_.clear();
+}
