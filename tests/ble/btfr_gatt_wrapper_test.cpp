@@ -7,7 +7,7 @@
 #include "ble/virtual/sensor_gatt_ids.h"
 #include "ble/virtual/virtual_stack.h"
 #include "common/debug_log.h"
-#include "tests/ble/recording_owner.h"
+#include "tests/ble/ble_test_helpers.h"
 #include "tests/support/test_support.h"
 
 namespace {
@@ -22,24 +22,6 @@ constexpr uint64_t kFirst = 0x00A1A2A3A4A5;
 constexpr uint64_t kSecond = 0x00B1B2B3B4B5;
 const Bytes kFirmwareRequest = {0x12, 0x00, 0x12};
 const Bytes kFirmwareAnswer = {0x06, 0x03, '1', '2', '0', 0x06 ^ 0x03 ^ '1' ^ '2' ^ '0'};
-
-// Debug log on and standard output captured, for the life of the object.
-class LogCapture {
-public:
-    LogCapture() { ShowLog(true, false); }
-    ~LogCapture() { ShowLog(false, false); }
-    std::string Text() const { return capture_.Text(); }
-
-private:
-    orv::test::StdoutCapture capture_;
-};
-
-std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name) {
-    VirtualSensorTiming timing;
-    timing.answerDelay = 1ms;
-    timing.stepGap = 5ms;
-    return std::make_shared<VirtualSensor>(name, timing);
-}
 
 VirtualPeripheral Peripheral(uint64_t address, const std::string& name,
                              std::shared_ptr<VirtualSensor> sensor = nullptr) {

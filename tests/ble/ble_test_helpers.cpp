@@ -1,6 +1,11 @@
-#include "tests/ble/recording_owner.h"
+#include "tests/ble/ble_test_helpers.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
+
+#include "common/debug_log.h"
 
 void RecordingOwner::OnBthConnectionState(int32_t state) {
     std::lock_guard lock(mutex_);
@@ -48,4 +53,23 @@ void RecordingOwner::Clear() {
     std::lock_guard lock(mutex_);
     states_.clear();
     data_.clear();
+}
+
+LogCapture::LogCapture() {
+    ShowLog(true, false);
+}
+
+LogCapture::~LogCapture() {
+    ShowLog(false, false);
+    // gtest reports into the captured output too: hand it over on failure.
+    if (::testing::Test::HasFailure()) {
+        std::fprintf(stderr, "%s", Text().c_str());
+    }
+}
+
+std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name) {
+    VirtualSensorTiming timing;
+    timing.answerDelay = std::chrono::milliseconds(1);
+    timing.stepGap = std::chrono::milliseconds(5);
+    return std::make_shared<VirtualSensor>(name, timing);
 }

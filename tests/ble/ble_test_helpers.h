@@ -1,12 +1,18 @@
-// A BthCallback that records every state and data callback, for tests.
+// Helpers of the BLE tests: an owner that records its callbacks, the debug
+// log captured, a sensor that answers without delay.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "ble/bth_callback.h"
+#include "ble/virtual/virtual_sensor.h"
+#include "tests/support/test_support.h"
 
+// Records every state and data callback.
 class RecordingOwner : public BthCallback {
 public:
     void OnBthConnectionState(int32_t state) override;
@@ -27,3 +33,17 @@ private:
     std::vector<int32_t> states_;
     std::vector<std::vector<uint8_t>> data_;
 };
+
+// Debug log on and standard output captured, for the life of the object.
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    std::string Text() const { return capture_.Text(); }
+
+private:
+    orv::test::StdoutCapture capture_;
+};
+
+// A sensor that answers within a millisecond and swings in a few.
+std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name);
