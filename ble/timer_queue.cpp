@@ -59,8 +59,9 @@ void TimerQueue::Loop() {
             continue;
         }
         const auto first = entries_.begin();
-        if (first->first > Clock::now()) {
-            cv_.wait_until(lock, first->first);
+        const Clock::time_point deadline = first->first;  // the entry may go while waiting
+        if (deadline > Clock::now()) {
+            cv_.wait_until(lock, deadline);
             continue;
         }
         Task task = std::move(first->second.task);

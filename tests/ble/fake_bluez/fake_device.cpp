@@ -195,16 +195,22 @@ void FakeDevice::Unexport() {
     if (spec_.sensor) {
         spec_.sensor->Detach();
     }
-    std::lock_guard lock(bus_.mutex);
-    for (auto& characteristic : characteristics_) {
-        characteristic->object.reset();
-        characteristic->notifying = false;
+    // Dropped outside the lock: unregistering takes the bus's own lock,
+    // which property getters hold while they take ours.
+    std::vector<std::unique_ptr<sdbus::IObject>> objects;
+    {
+        std::lock_guard lock(bus_.mutex);
+        for (auto& characteristic : characteristics_) {
+            objects.push_back(std::move(characteristic->object));
+            characteristic->notifying = false;
+        }
+        for (Service& service : services_) {
+            objects.push_back(std::move(service.object));
+        }
+        objects.push_back(std::move(object_));
+        exported_ = gattExported_ = connected_ = resolved_ = false;
     }
-    for (Service& service : services_) {
-        service.object.reset();
-    }
-    object_.reset();
-    exported_ = gattExported_ = connected_ = resolved_ = false;
+    objects.clear();
 }
 
 void FakeDevice::ExportGatt() {
@@ -380,14 +386,16 @@ void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
 
 // bluetoothd's order: ServicesResolved false, the method reply, Connected false.
 void FakeDevice::Disconnect(std::shared_ptr<sdbus::Result<>> reply) {
+    bool wasConnected = false;
     {
         std::lock_guard lock(bus_.mutex);
         ++disconnectCalls_;
-        if (!connected_) {
-            reply->returnError(sdbus::Error("org.bluez.Error.NotConnected", "Not Connected"));
-            return;
-        }
+        wasConnected = connected_;
         resolved_ = false;
+    }
+    if (!wasConnected) {
+        reply->returnError(sdbus::Error("org.bluez.Error.NotConnected", "Not Connected"));
+        return;
     }
     FakeBus::EmitPropertiesChanged(*object_, kDeviceInterface,
                                    {{"ServicesResolved", sdbus::Variant(false)}});
