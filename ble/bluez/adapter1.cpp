@@ -18,37 +18,18 @@ Adapter1::Adapter1(sdbus::IConnection& connection, const std::string& path,
 
 BleResult Adapter1::SetLeDiscoveryFilter() {
     const VariantMap filter{{"Transport", sdbus::Variant(std::string("le"))}};
-    try {
-        proxy_->callMethod("SetDiscoveryFilter")
-            .onInterface(kAdapterInterface)
-            .withTimeout(timeout_)
-            .withArguments(filter);
-    } catch (const sdbus::Error& error) {
-        return LOG_DBUS_FAILURE("SetDiscoveryFilter", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kAdapterInterface, "SetDiscoveryFilter", timeout_, {}, filter);
 }
 
 BleResult Adapter1::StartDiscovery() {
-    try {
-        proxy_->callMethod("StartDiscovery").onInterface(kAdapterInterface).withTimeout(timeout_);
-    } catch (const sdbus::Error& error) {
-        // Our own session still running (a stop that never arrived): it is scanning.
-        if (error.getName() == "org.bluez.Error.InProgress") {
-            return BLE_OK;
-        }
-        return LOG_DBUS_FAILURE("StartDiscovery", error);
-    }
-    return BLE_OK;
+    // Our own session still running (a stop that never arrived): it is scanning.
+    return DBUS_CALL(
+        *proxy_, kAdapterInterface, "StartDiscovery", timeout_,
+        [](const sdbus::Error& e) { return e.getName() == "org.bluez.Error.InProgress"; });
 }
 
 BleResult Adapter1::StopDiscovery() {
-    try {
-        proxy_->callMethod("StopDiscovery").onInterface(kAdapterInterface).withTimeout(timeout_);
-    } catch (const sdbus::Error& error) {
-        return LOG_DBUS_FAILURE("StopDiscovery", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kAdapterInterface, "StopDiscovery", timeout_, {});
 }
 
 }  // namespace bluez

@@ -10,31 +10,16 @@ AgentManager1::AgentManager1(sdbus::IConnection& connection, std::chrono::millis
 
 BleResult AgentManager1::RegisterAgent(const std::string& agentPath,
                                        const std::string& capability) {
-    try {
-        proxy_->callMethod("RegisterAgent")
-            .onInterface(kAgentManagerInterface)
-            .withTimeout(timeout_)
-            .withArguments(sdbus::ObjectPath(agentPath), capability);
-    } catch (const sdbus::Error& error) {
-        // Registered by an earlier open on this same connection.
-        if (error.getName() == "org.bluez.Error.AlreadyExists") {
-            return BLE_OK;
-        }
-        return LOG_DBUS_FAILURE("RegisterAgent", error);
-    }
-    return BLE_OK;
+    // Registered by an earlier open on this same connection.
+    return DBUS_CALL(
+        *proxy_, kAgentManagerInterface, "RegisterAgent", timeout_,
+        [](const sdbus::Error& e) { return e.getName() == "org.bluez.Error.AlreadyExists"; },
+        sdbus::ObjectPath(agentPath), capability);
 }
 
 BleResult AgentManager1::RequestDefaultAgent(const std::string& agentPath) {
-    try {
-        proxy_->callMethod("RequestDefaultAgent")
-            .onInterface(kAgentManagerInterface)
-            .withTimeout(timeout_)
-            .withArguments(sdbus::ObjectPath(agentPath));
-    } catch (const sdbus::Error& error) {
-        return LOG_DBUS_FAILURE("RequestDefaultAgent", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kAgentManagerInterface, "RequestDefaultAgent", timeout_, {},
+                     sdbus::ObjectPath(agentPath));
 }
 
 }  // namespace bluez

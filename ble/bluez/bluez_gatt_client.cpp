@@ -347,14 +347,20 @@ GattCharacteristic1 BluezGattClient::ProxyOf(const Target& target) const {
     return GattCharacteristic1(target.bus->connection(), target.path, context_.timing.call);
 }
 
-BleResult BluezGattClient::WriteClientConfiguration(const BleGattCharacteristic& characteristic,
-                                                    bool subscribe) {
-    Target target;
+BleResult BluezGattClient::LookupNotifiable(const BleGattCharacteristic& characteristic,
+                                            Target& target) {
     if (const BleResult result = Lookup(characteristic, target); result != BLE_OK) {
         return result;
     }
-    if (!target.state.Has("notify") && !target.state.Has("indicate")) {
-        return BLE_ERR_NOT_SUPPORTED;
+    const bool notifiable = target.state.Has("notify") || target.state.Has("indicate");
+    return notifiable ? BLE_OK : BLE_ERR_NOT_SUPPORTED;
+}
+
+BleResult BluezGattClient::WriteClientConfiguration(const BleGattCharacteristic& characteristic,
+                                                    bool subscribe) {
+    Target target;
+    if (const BleResult result = LookupNotifiable(characteristic, target); result != BLE_OK) {
+        return result;
     }
     GattCharacteristic1 proxy = ProxyOf(target);
     return subscribe ? proxy.StartNotify() : proxy.StopNotify();
@@ -362,11 +368,8 @@ BleResult BluezGattClient::WriteClientConfiguration(const BleGattCharacteristic&
 
 BleResult BluezGattClient::Subscribe(const BleGattCharacteristic& characteristic) {
     Target target;
-    if (const BleResult result = Lookup(characteristic, target); result != BLE_OK) {
+    if (const BleResult result = LookupNotifiable(characteristic, target); result != BLE_OK) {
         return result;
-    }
-    if (!target.state.Has("notify") && !target.state.Has("indicate")) {
-        return BLE_ERR_NOT_SUPPORTED;
     }
     std::lock_guard lock(mutex_);
     subscribed_.insert(characteristic.handle);

@@ -58,6 +58,8 @@ private:
         GattCharacteristic1::State state;
     };
     BleResult Lookup(const BleGattCharacteristic& characteristic, Target& target);
+    // The same for a characteristic that can notify or indicate.
+    BleResult LookupNotifiable(const BleGattCharacteristic& characteristic, Target& target);
     GattCharacteristic1 ProxyOf(const Target& target) const;
 
     BluezContext context_;

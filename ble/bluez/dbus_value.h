@@ -4,7 +4,9 @@
 
 #include <sdbus-c++/sdbus-c++.h>
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <variant>
@@ -45,7 +47,30 @@ BleResult ResultOf(const sdbus::Error& error);
 // the caller's tag, and returns its stack result.
 BleResult LogFailure(const char* function, int line, const char* call, const sdbus::Error& error);
 
+// Errors that mean the call achieved what it was for.
+using Harmless = std::function<bool(const sdbus::Error&)>;
+
+// One method call without results. An error is logged once under the
+// caller's tag and becomes its stack result, unless it is harmless.
+template <typename... Args>
+BleResult Call(const char* function, int line, sdbus::IProxy& proxy, const char* interface,
+               const char* method, std::chrono::milliseconds timeout, const Harmless& harmless,
+               Args&&... args) {
+    try {
+        proxy.callMethod(method).onInterface(interface).withTimeout(timeout).withArguments(
+            std::forward<Args>(args)...);
+    } catch (const sdbus::Error& error) {
+        if (harmless && harmless(error)) {
+            return BLE_OK;
+        }
+        return LogFailure(function, line, method, error);
+    }
+    return BLE_OK;
+}
+
 }  // namespace bluez
+
+#define DBUS_CALL(...) ::bluez::Call(__PRETTY_FUNCTION__, __LINE__, __VA_ARGS__)
 
 #define LOG_DBUS_FAILURE(call, error) \
     ::bluez::LogFailure(__PRETTY_FUNCTION__, __LINE__, call, error)

@@ -37,12 +37,7 @@ BleResult Device1::ConnectAsync(std::chrono::milliseconds timeout,
 }
 
 BleResult Device1::Disconnect() {
-    try {
-        proxy_->callMethod("Disconnect").onInterface(kDeviceInterface).withTimeout(timeout_);
-    } catch (const sdbus::Error& error) {
-        return LOG_DBUS_FAILURE("Disconnect", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kDeviceInterface, "Disconnect", timeout_, {});
 }
 
 }  // namespace bluez

@@ -24,43 +24,21 @@ GattCharacteristic1::GattCharacteristic1(sdbus::IConnection& connection, const s
     : proxy_(sdbus::createProxy(connection, kService, path)), timeout_(timeout) {}
 
 BleResult GattCharacteristic1::StartNotify() {
-    try {
-        proxy_->callMethod("StartNotify")
-            .onInterface(kCharacteristicInterface)
-            .withTimeout(timeout_);
-    } catch (const sdbus::Error& error) {
-        if (error.getName() == "org.bluez.Error.InProgress" ||
-            error.getMessage() == "Already notifying") {
-            return BLE_OK;
-        }
-        return LOG_DBUS_FAILURE("StartNotify", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kCharacteristicInterface, "StartNotify", timeout_,
+                     [](const sdbus::Error& e) {
+                         return e.getName() == "org.bluez.Error.InProgress" ||
+                                e.getMessage() == "Already notifying";
+                     });
 }
 
 BleResult GattCharacteristic1::StopNotify() {
-    try {
-        proxy_->callMethod("StopNotify")
-            .onInterface(kCharacteristicInterface)
-            .withTimeout(timeout_);
-    } catch (const sdbus::Error& error) {
-        return LOG_DBUS_FAILURE("StopNotify", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kCharacteristicInterface, "StopNotify", timeout_, {});
 }
 
 BleResult GattCharacteristic1::WriteValue(const std::vector<uint8_t>& value,
                                           const std::string& type) {
     const VariantMap options{{"type", sdbus::Variant(type)}};
-    try {
-        proxy_->callMethod("WriteValue")
-            .onInterface(kCharacteristicInterface)
-            .withTimeout(timeout_)
-            .withArguments(value, options);
-    } catch (const sdbus::Error& error) {
-        return LOG_DBUS_FAILURE("WriteValue", error);
-    }
-    return BLE_OK;
+    return DBUS_CALL(*proxy_, kCharacteristicInterface, "WriteValue", timeout_, {}, value, options);
 }
 
 }  // namespace bluez

@@ -73,3 +73,16 @@ std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name) {
     timing.stepGap = std::chrono::milliseconds(5);
     return std::make_shared<VirtualSensor>(name, timing);
 }
+
+std::unique_ptr<BtfrGattWrapper> MakeSensorWrapper(std::unique_ptr<BleStack> stack,
+                                                   BthCallback& owner,
+                                                   const GattWrapperTiming& timing) {
+    auto wrapper = std::make_unique<BtfrGattWrapper>(std::move(stack));
+    wrapper->SetOwner(&owner);
+    wrapper->SetDeviceNameFilter("orvane");
+    wrapper->SetServiceUuid(GattUuid::Parse("{6e400001-b5a3-f393-e0a9-e50e24dcca9e}"));
+    wrapper->SetCharacteristicUuids(GattUuid::Parse("{6e400002-b5a3-f393-e0a9-e50e24dcca9e}"),
+                                    GattUuid::Parse("{6e400003-b5a3-f393-e0a9-e50e24dcca9e}"));
+    wrapper->SetTiming(timing);
+    return wrapper;
+}

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ble/btfr_gatt_wrapper.h"
 #include "ble/bth_callback.h"
 #include "ble/virtual/virtual_sensor.h"
 #include "tests/support/test_support.h"
@@ -47,3 +48,9 @@ private:
 
 // A sensor that answers within a millisecond and swings in a few.
 std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name);
+
+// A wrapper over `stack` set up as the session sets it up (filter "orvane",
+// the sensor's service and characteristics), reporting to `owner`.
+std::unique_ptr<BtfrGattWrapper> MakeSensorWrapper(std::unique_ptr<BleStack> stack,
+                                                   BthCallback& owner,
+                                                   const GattWrapperTiming& timing);

@@ -50,13 +50,7 @@ protected:
         timing.resolve = 2s;
         timing.call = 3s;
         timing.adapterWait = 100ms;
-        wrapper_ = std::make_unique<BtfrGattWrapper>(MakeBluezStack(timing));
-        wrapper_->SetOwner(&owner_);
-        wrapper_->SetDeviceNameFilter("orvane");
-        wrapper_->SetServiceUuid(GattUuid::Parse("{6e400001-b5a3-f393-e0a9-e50e24dcca9e}"));
-        wrapper_->SetCharacteristicUuids(GattUuid::Parse("{6e400002-b5a3-f393-e0a9-e50e24dcca9e}"),
-                                         GattUuid::Parse("{6e400003-b5a3-f393-e0a9-e50e24dcca9e}"));
-        wrapper_->SetTiming({50ms, 200ms});
+        wrapper_ = MakeSensorWrapper(MakeBluezStack(timing), owner_, {50ms, 200ms});
         wrapper_->Start();
     }
 

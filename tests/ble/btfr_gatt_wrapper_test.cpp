@@ -41,13 +41,7 @@ protected:
         auto stack = MakeVirtualStack(peripherals, timing);
         stack->SetFaults(faults);
         stack_ = stack.get();
-        wrapper_ = std::make_unique<BtfrGattWrapper>(std::move(stack));
-        wrapper_->SetOwner(&owner_);
-        wrapper_->SetDeviceNameFilter("orvane");
-        wrapper_->SetServiceUuid(GattUuid::Parse("{6e400001-b5a3-f393-e0a9-e50e24dcca9e}"));
-        wrapper_->SetCharacteristicUuids(GattUuid::Parse("{6e400002-b5a3-f393-e0a9-e50e24dcca9e}"),
-                                         GattUuid::Parse("{6e400003-b5a3-f393-e0a9-e50e24dcca9e}"));
-        wrapper_->SetTiming({20ms, 40ms});
+        wrapper_ = MakeSensorWrapper(std::move(stack), owner_, {20ms, 40ms});
     }
 
     void TearDown() override {

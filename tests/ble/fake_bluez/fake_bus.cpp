@@ -48,68 +48,55 @@ void FakeBus::EmitInterfacesRemoved(const std::string& path,
     root->emitSignal(signal);
 }
 
-std::unique_ptr<sdbus::IProxy> FakeBus::AgentProxy() {
+bool FakeBus::CallAgent(const std::function<void(sdbus::IProxy&)>& call) {
     Agent registered;
     {
         std::lock_guard lock(mutex);
         registered = agent;
     }
     if (connection == nullptr || registered.owner.empty()) {
-        return nullptr;
+        return false;
     }
-    return sdbus::createProxy(*connection, registered.owner, registered.path);
+    auto proxy = sdbus::createProxy(*connection, registered.owner, registered.path);
+    try {
+        call(*proxy);
+    } catch (const sdbus::Error&) {
+        return false;  // org.bluez.Error.Rejected, or no answer
+    }
+    return true;
 }
 
 std::optional<uint32_t> FakeBus::AskPasskey(const std::string& devicePath) {
-    auto proxy = AgentProxy();
-    if (!proxy) {
-        return std::nullopt;
-    }
     uint32_t passkey = 0;
-    try {
-        proxy->callMethod("RequestPasskey")
+    const bool answered = CallAgent([&](sdbus::IProxy& proxy) {
+        proxy.callMethod("RequestPasskey")
             .onInterface(bluez::kAgentInterface)
             .withTimeout(kAgentTimeout)
             .withArguments(sdbus::ObjectPath(devicePath))
             .storeResultsTo(passkey);
-    } catch (const sdbus::Error&) {
-        return std::nullopt;
-    }
-    return passkey;
+    });
+    return answered ? std::optional(passkey) : std::nullopt;
 }
 
 std::optional<std::string> FakeBus::AskPinCode(const std::string& devicePath) {
-    auto proxy = AgentProxy();
-    if (!proxy) {
-        return std::nullopt;
-    }
     std::string pin;
-    try {
-        proxy->callMethod("RequestPinCode")
+    const bool answered = CallAgent([&](sdbus::IProxy& proxy) {
+        proxy.callMethod("RequestPinCode")
             .onInterface(bluez::kAgentInterface)
             .withTimeout(kAgentTimeout)
             .withArguments(sdbus::ObjectPath(devicePath))
             .storeResultsTo(pin);
-    } catch (const sdbus::Error&) {
-        return std::nullopt;
-    }
-    return pin;
+    });
+    return answered ? std::optional(pin) : std::nullopt;
 }
 
 bool FakeBus::AskConfirmation(const std::string& devicePath, uint32_t passkey) {
-    auto proxy = AgentProxy();
-    if (!proxy) {
-        return false;
-    }
-    try {
-        proxy->callMethod("RequestConfirmation")
+    return CallAgent([&](sdbus::IProxy& proxy) {
+        proxy.callMethod("RequestConfirmation")
             .onInterface(bluez::kAgentInterface)
             .withTimeout(kAgentTimeout)
             .withArguments(sdbus::ObjectPath(devicePath), passkey);
-    } catch (const sdbus::Error&) {
-        return false;  // org.bluez.Error.Rejected
-    }
-    return true;
+    });
 }
 
 }  // namespace orv::test

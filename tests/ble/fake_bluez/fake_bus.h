@@ -59,7 +59,8 @@ public:
     bool AskConfirmation(const std::string& devicePath, uint32_t passkey);
 
 private:
-    std::unique_ptr<sdbus::IProxy> AgentProxy();
+    // False when there is no agent or the call failed.
+    bool CallAgent(const std::function<void(sdbus::IProxy&)>& call);
 
     TimerQueue worker_;
 };

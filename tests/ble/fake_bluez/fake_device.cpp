@@ -448,8 +448,7 @@ bool FakeDevice::InRange() const {
 }
 
 bool FakeDevice::Exported() const {
-    std::lock_guard lock(bus_.mutex);
-    return exported_;
+    return Locked(exported_);
 }
 
 void FakeDevice::SensorNotify(const SensorFrame& frame) {
@@ -564,13 +563,11 @@ void FakeDevice::FailWrites(bool fail) {
 }
 
 bool FakeDevice::Connected() const {
-    std::lock_guard lock(bus_.mutex);
-    return connected_;
+    return Locked(connected_);
 }
 
 bool FakeDevice::ServicesResolved() const {
-    std::lock_guard lock(bus_.mutex);
-    return resolved_;
+    return Locked(resolved_);
 }
 
 bool FakeDevice::Notifying() const {
@@ -584,33 +581,27 @@ bool FakeDevice::Notifying() const {
 }
 
 int FakeDevice::ConnectCalls() const {
-    std::lock_guard lock(bus_.mutex);
-    return connectCalls_;
+    return Locked(connectCalls_);
 }
 
 int FakeDevice::DisconnectCalls() const {
-    std::lock_guard lock(bus_.mutex);
-    return disconnectCalls_;
+    return Locked(disconnectCalls_);
 }
 
 int FakeDevice::StartNotifyCalls() const {
-    std::lock_guard lock(bus_.mutex);
-    return startNotifyCalls_;
+    return Locked(startNotifyCalls_);
 }
 
 int FakeDevice::StopNotifyCalls() const {
-    std::lock_guard lock(bus_.mutex);
-    return stopNotifyCalls_;
+    return Locked(stopNotifyCalls_);
 }
 
 std::vector<FakeWrite> FakeDevice::Writes() const {
-    std::lock_guard lock(bus_.mutex);
-    return writes_;
+    return Locked(writes_);
 }
 
 std::string FakeDevice::PairingAnswer() const {
-    std::lock_guard lock(bus_.mutex);
-    return pairingAnswer_;
+    return Locked(pairingAnswer_);
 }
 
 }  // namespace orv::test

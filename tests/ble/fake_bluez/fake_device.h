@@ -122,6 +122,13 @@ private:
     void WriteValue(Characteristic& characteristic, const std::vector<uint8_t>& value,
                     const VariantMap& options);
 
+    // A copy of a model field, read under the model lock.
+    template <typename T>
+    T Locked(const T& field) const {
+        std::lock_guard lock(bus_.mutex);
+        return field;
+    }
+
     FakeBus& bus_;
     const FakeDeviceSpec spec_;
     const std::string adapterPath_;
