@@ -291,16 +291,9 @@ BleResult BluezGattClient::ReadServices(std::vector<BleGattService>& services) {
 BleResult BluezGattClient::ReadCharacteristics(const BleGattService& service,
                                                std::vector<BleGattCharacteristic>& list) {
     std::string servicePath;
-    {
-        std::lock_guard lock(mutex_);
-        if (link_ != Link::Connected) {
-            return BLE_ERR_NOT_CONNECTED;
-        }
-        const auto found = paths_.find(service.handle);
-        if (found == paths_.end()) {
-            return BLE_ERR_NOT_FOUND;
-        }
-        servicePath = found->second;
+    std::shared_ptr<BluezBus> bus;
+    if (const BleResult result = PathOf(service.handle, servicePath, bus); result != BLE_OK) {
+        return result;
     }
     list.clear();
     for (const auto& [path, properties] : context_.tree.ObjectsWith(kCharacteristicInterface)) {
@@ -322,18 +315,25 @@ BleResult BluezGattClient::ReadCharacteristics(const BleGattService& service,
     return BLE_OK;
 }
 
+BleResult BluezGattClient::PathOf(uint16_t handle, std::string& path,
+                                  std::shared_ptr<BluezBus>& bus) {
+    std::lock_guard lock(mutex_);
+    if (link_ != Link::Connected) {
+        return BLE_ERR_NOT_CONNECTED;
+    }
+    const auto found = paths_.find(handle);
+    if (found == paths_.end()) {
+        return BLE_ERR_NOT_FOUND;
+    }
+    path = found->second;
+    bus = bus_;
+    return BLE_OK;
+}
+
 BleResult BluezGattClient::Lookup(const BleGattCharacteristic& characteristic, Target& target) {
-    {
-        std::lock_guard lock(mutex_);
-        if (link_ != Link::Connected) {
-            return BLE_ERR_NOT_CONNECTED;
-        }
-        const auto found = paths_.find(characteristic.handle);
-        if (found == paths_.end()) {
-            return BLE_ERR_NOT_FOUND;
-        }
-        target.path = found->second;
-        target.bus = bus_;
+    if (const BleResult result = PathOf(characteristic.handle, target.path, target.bus);
+        result != BLE_OK) {
+        return result;
     }
     const auto properties = context_.tree.Properties(target.path, kCharacteristicInterface);
     if (!properties) {

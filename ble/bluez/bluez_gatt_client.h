@@ -50,6 +50,8 @@ private:
     // with `reason` when it was still coming up.
     void EndLink(BleResult reason);
     uint16_t HandleFor(const std::string& path);
+    // The object behind a handle on the open link, and the bus it is on.
+    BleResult PathOf(uint16_t handle, std::string& path, std::shared_ptr<BluezBus>& bus);
     // The characteristic behind a handle on the open link, with the bus to
     // reach it (held for the duration of the call).
     struct Target {

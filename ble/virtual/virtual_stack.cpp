@@ -373,39 +373,41 @@ BleResult VirtualStack::CheckAttribute(const BleGattCharacteristic& characterist
     return attribute == nullptr ? BLE_ERR_NOT_FOUND : BLE_OK;
 }
 
-BleResult VirtualStack::GattWriteClientConfiguration(const BleGattCharacteristic& characteristic,
-                                                     bool subscribe) {
-    std::lock_guard lock(mutex_);
-    Attribute* attribute = nullptr;
+BleResult VirtualStack::CheckNotifiable(const BleGattCharacteristic& characteristic,
+                                        Attribute*& attribute, int& failures) {
     if (const BleResult result = CheckAttribute(characteristic, attribute); result != BLE_OK) {
         return result;
     }
     if (!attribute->spec.notify) {
         return BLE_ERR_NOT_SUPPORTED;
     }
-    if (faults_.failClientConfigurations > 0) {
-        --faults_.failClientConfigurations;
+    if (failures > 0) {
+        --failures;
         return BLE_ERR_FAILED;
     }
-    attribute->configured = subscribe;
     return BLE_OK;
+}
+
+BleResult VirtualStack::GattWriteClientConfiguration(const BleGattCharacteristic& characteristic,
+                                                     bool subscribe) {
+    std::lock_guard lock(mutex_);
+    Attribute* attribute = nullptr;
+    const BleResult result =
+        CheckNotifiable(characteristic, attribute, faults_.failClientConfigurations);
+    if (result == BLE_OK) {
+        attribute->configured = subscribe;
+    }
+    return result;
 }
 
 BleResult VirtualStack::GattSubscribe(const BleGattCharacteristic& characteristic) {
     std::lock_guard lock(mutex_);
     Attribute* attribute = nullptr;
-    if (const BleResult result = CheckAttribute(characteristic, attribute); result != BLE_OK) {
-        return result;
+    const BleResult result = CheckNotifiable(characteristic, attribute, faults_.failSubscribes);
+    if (result == BLE_OK) {
+        attribute->subscribed = true;
     }
-    if (!attribute->spec.notify) {
-        return BLE_ERR_NOT_SUPPORTED;
-    }
-    if (faults_.failSubscribes > 0) {
-        --faults_.failSubscribes;
-        return BLE_ERR_FAILED;
-    }
-    attribute->subscribed = true;
-    return BLE_OK;
+    return result;
 }
 
 BleResult VirtualStack::GattUnsubscribe(const BleGattCharacteristic& characteristic) {

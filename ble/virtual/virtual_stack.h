@@ -124,6 +124,9 @@ private:
     VirtualPeripheral* FindPeripheral(uint64_t address);
     Attribute* FindAttribute(uint16_t handle);
     BleResult CheckAttribute(const BleGattCharacteristic& characteristic, Attribute*& attribute);
+    // CheckAttribute for a notifiable one; uses up one of `failures` if any.
+    BleResult CheckNotifiable(const BleGattCharacteristic& characteristic, Attribute*& attribute,
+                              int& failures);
     void EndLink(BleResult reason, bool notify);
     void CompleteConnect(uint64_t address, uint64_t attempt);
     template <typename Answer, typename Ask>

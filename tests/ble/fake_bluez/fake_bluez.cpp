@@ -264,25 +264,24 @@ void FakeBluez::RegisterAgentManager() {
             }
             bus_.agent = {sender, path, capability, false};
         });
+    // Only the client that registered the agent may use it.
+    auto registered = [this](const sdbus::ObjectPath& path) -> FakeBus::Agent& {
+        if (bus_.agent.owner != Sender(*agentManager_) || bus_.agent.path != path) {
+            throw sdbus::Error("org.bluez.Error.DoesNotExist", "Does Not Exist");
+        }
+        return bus_.agent;
+    };
     o.registerMethod("RequestDefaultAgent")
         .onInterface(kAgentManagerInterface)
-        .implementedAs([this](sdbus::ObjectPath path) {
-            const std::string sender = Sender(*agentManager_);
+        .implementedAs([this, registered](sdbus::ObjectPath path) {
             std::lock_guard lock(bus_.mutex);
-            if (bus_.agent.owner != sender || bus_.agent.path != path) {
-                throw sdbus::Error("org.bluez.Error.DoesNotExist", "Does Not Exist");
-            }
-            bus_.agent.isDefault = true;
+            registered(path).isDefault = true;
         });
     o.registerMethod("UnregisterAgent")
         .onInterface(kAgentManagerInterface)
-        .implementedAs([this](sdbus::ObjectPath path) {
-            const std::string sender = Sender(*agentManager_);
+        .implementedAs([this, registered](sdbus::ObjectPath path) {
             std::lock_guard lock(bus_.mutex);
-            if (bus_.agent.owner != sender || bus_.agent.path != path) {
-                throw sdbus::Error("org.bluez.Error.DoesNotExist", "Does Not Exist");
-            }
-            bus_.agent = {};
+            registered(path) = {};
         });
     o.finishRegistration();
 }
