@@ -1,6 +1,6 @@
 #include "ble/bluez/dbus_value.h"
 
-#include <cstdio>
+#include <cctype>
 
 #include "common/debug_log.h"
 
@@ -106,15 +106,27 @@ std::vector<uint8_t> BytesOf(const PropertyMap& properties, const std::string& k
 }
 
 uint64_t AddressFromText(const std::string& text) {
-    unsigned bytes[6];
-    char tail = 0;
-    if (std::sscanf(text.c_str(), "%2x:%2x:%2x:%2x:%2x:%2x%c", &bytes[0], &bytes[1], &bytes[2],
-                    &bytes[3], &bytes[4], &bytes[5], &tail) != 6) {
+    // Exactly six pairs of hex digits with colons between them.
+    constexpr size_t kLength = 17;
+    if (text.size() != kLength) {
         return 0;
     }
     uint64_t address = 0;
-    for (unsigned byte : bytes) {
-        address = address << 8 | byte;
+    for (size_t i = 0; i < kLength; ++i) {
+        const char c = text[i];
+        if (i % 3 == 2) {
+            if (c != ':') {
+                return 0;
+            }
+            continue;
+        }
+        if (std::isxdigit(static_cast<unsigned char>(c)) == 0) {
+            return 0;
+        }
+        const int digit = std::isdigit(static_cast<unsigned char>(c)) != 0
+                              ? c - '0'
+                              : std::tolower(static_cast<unsigned char>(c)) - 'a' + 10;
+        address = address << 4 | static_cast<uint64_t>(digit);
     }
     return address;
 }
