@@ -68,6 +68,7 @@ BleResult BluezStack::Close() {
 // the bus, bluetoothd on it, its objects and our agent, a usable adapter.
 BleResult BluezStack::Attach() {
     std::shared_ptr<BluezBus> bus;
+    std::shared_ptr<BluezBus> dead;  // let go outside the lock: it joins its thread
     bool loaded = false;
     {
         std::lock_guard lock(mutex_);
@@ -75,12 +76,13 @@ BleResult BluezStack::Attach() {
             return BLE_ERR_NOT_OPEN;
         }
         if (bus_ && !bus_->Alive()) {
-            bus_.reset();
+            dead = std::move(bus_);
             loaded_ = false;
         }
         bus = bus_;
         loaded = loaded_;
     }
+    dead.reset();
     if (!bus) {
         std::string error;
         bus = BluezBus::Connect(

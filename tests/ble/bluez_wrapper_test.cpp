@@ -44,12 +44,16 @@ protected:
         }
     }
 
-    void StartWrapper() {
+    static BluezTiming Timing() {
         BluezTiming timing;
         timing.connect = 3s;
         timing.resolve = 2s;
         timing.call = 3s;
         timing.adapterWait = 100ms;
+        return timing;
+    }
+
+    void StartWrapper(const BluezTiming& timing = Timing()) {
         wrapper_ = MakeSensorWrapper(MakeBluezStack(timing), owner_, {50ms, 200ms});
         wrapper_->Start();
     }
@@ -121,6 +125,61 @@ TEST_F(BluezWrapperTest, LinkLossRescansTheKnownDeviceAndReconnects) {
     EXPECT_TRUE(device.Notifying());
     ASSERT_TRUE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
     EXPECT_TRUE(Eventually([&] { return owner_.Received(kFirmwareAnswer); }));
+}
+
+TEST_F(BluezWrapperTest, SensorLeavingTheRangeIsRescannedUntilItComesBack) {
+    bluez_.AddAdapter();
+    FakeDevice& device = bluez_.AddDevice(Sensor("C0:DE:5E:45:00:01", "orvane-demo"));
+    ASSERT_TRUE(bluez_.Start());
+    StartWrapper();
+    ASSERT_TRUE(WaitState(3));
+    device.Spec().sensor->DropLink();
+    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1}));
+    const int scans = bluez_.DiscoveryStarts();
+    ASSERT_TRUE(Eventually([&] { return bluez_.DiscoveryStarts() >= scans + 2; }));
+    EXPECT_EQ(device.ConnectCalls(), 1);
+    device.Spec().sensor->ComeBack();
+    ASSERT_TRUE(WaitState(3));
+    // The sensor answers on the new link.
+    ASSERT_TRUE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
+    EXPECT_TRUE(Eventually([&] { return owner_.Received(kFirmwareAnswer); }));
+}
+
+TEST_F(BluezWrapperTest, ServicesNeverResolvedCountAsAFailedConnect) {
+    bluez_.AddAdapter();
+    FakeDeviceSpec stuck = Sensor("C0:DE:5E:45:00:01", "orvane-stuck");
+    stuck.resolveServices = false;
+    FakeDevice& device = bluez_.AddDevice(stuck);
+    ASSERT_TRUE(bluez_.Start());
+    LogCapture log;
+    BluezTiming timing = Timing();
+    timing.resolve = 150ms;
+    StartWrapper(timing);
+    ASSERT_TRUE(Eventually([&] { return device.ConnectCalls() >= 2; }));
+    // Connect errors go unreported: scans and connects alternate.
+    const States states = owner_.States();
+    for (size_t i = 0; i < states.size(); ++i) {
+        ASSERT_EQ(states[i], (States{1, 2}[i % 2])) << ::testing::PrintToString(states);
+    }
+    EXPECT_GE(device.DisconnectCalls(), 1);
+    EXPECT_NE(log.Text().find(")] wclGattClientConnect ret:00051007\n"), std::string::npos);
+}
+
+TEST_F(BluezWrapperTest, SystemBusDyingUnderALiveLinkIsLivedThrough) {
+    bluez_.AddAdapter();
+    bluez_.AddDevice(Sensor("C0:DE:5E:45:00:01", "orvane-demo"));
+    ASSERT_TRUE(bluez_.Start());
+    LogCapture log;
+    StartWrapper();
+    ASSERT_TRUE(WaitState(3));
+    bus_.Kill();
+    ASSERT_TRUE(WaitStates({1, 2, 3, 0}));
+    const std::string gone = ")] createSystemBusConnection error:";
+    ASSERT_TRUE(Eventually([&] { return CountOf(log.Text(), gone) == 1; }));
+    EXPECT_FALSE(Eventually([&] { return owner_.States().size() > 4; }, 300ms));
+    EXPECT_EQ(CountOf(log.Text(), gone), 1u);
+    wrapper_->Stop();
+    bluez_.Stop();
 }
 
 TEST_F(BluezWrapperTest, LastFoundFirstThenTheOtherWithoutNewScan) {

@@ -105,6 +105,21 @@ TEST_F(WrapperTest, LinkLossReportsZeroThenRescansAndReconnects) {
     EXPECT_EQ(stack_->DiscoveryCount(), 2);
 }
 
+TEST_F(WrapperTest, SensorOutOfRangeIsMissedUntilItComesBack) {
+    auto sensor = QuickSensor("orvane-demo");
+    Build({Peripheral(kFirst, "orvane-demo", sensor)});
+    wrapper_->Start();
+    ASSERT_TRUE(WaitState(3));
+    sensor->DropLink();
+    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1}));
+    const int scans = stack_->DiscoveryCount();
+    ASSERT_TRUE(Eventually([&] { return stack_->DiscoveryCount() >= scans + 3; }));
+    EXPECT_EQ(stack_->ConnectAttempts().size(), 1u);  // nothing found while away
+    sensor->ComeBack();
+    ASSERT_TRUE(WaitState(3));
+    EXPECT_EQ(owner_.States().back(), 3);
+}
+
 TEST_F(WrapperTest, LastFoundDeviceFirstThenTheOtherWithoutNewScan) {
     VirtualStackFaults faults;
     faults.failConnectEvents = 1;  // the first connection attempt fails
@@ -323,6 +338,23 @@ TEST_F(WrapperTest, PairingRequestsGetTheFixedAnswers) {
     EXPECT_NE(text.find(")] wclBthPasskeyRequest Pass key: 482913\n"), std::string::npos);
     EXPECT_NE(text.find("[BtfrGattWrapper::wclBthPinRequest("), std::string::npos);
     EXPECT_NE(text.find(")] wclBthPinRequest Pin: 7316\n"), std::string::npos);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(DemoStack, OffersOneAnsweringSensorNamedOrvaneDemo) {
+    RecordingOwner owner;
+    auto wrapper = MakeSensorWrapper(MakeDemoStack(), owner, {20ms, 40ms});
+    wrapper->Start();
+    ASSERT_TRUE(Eventually([&] { return wrapper->GetState() == 3; }));
+    ASSERT_TRUE(wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3));
+    const Bytes clubRequest = {0x0C, 0x00, 0x0C};
+    ASSERT_TRUE(wrapper->WriteCharacteristic(clubRequest.data(), 3));
+    EXPECT_TRUE(Eventually([&] { return owner.Received(kFirmwareAnswer); }));
+    EXPECT_TRUE(Eventually([&] { return owner.Received({0x01, 0x01, 0x01, 0x01}); }));
+    wrapper->Stop();
 }
 
 }  // namespace

@@ -77,7 +77,13 @@ void FakeBluez::StartOnWorker(bool& started) {
             }
         });
         connection_->requestName(bluez::kService);
-        connection_->enterEventLoopAsync();
+        loop_ = std::thread([connection = connection_.get()] {
+            try {
+                connection->enterEventLoop();
+            } catch (const sdbus::Error&) {
+                // The bus died under us (a test killed the daemon).
+            }
+        });
     } catch (const sdbus::Error&) {
         StopOnWorker();
         return;
@@ -96,7 +102,10 @@ void FakeBluez::StopOnWorker() {
         return;
     }
     bus_.CancelWork();
-    connection_->leaveEventLoop();  // no handler runs from here on
+    if (loop_.joinable()) {
+        connection_->leaveEventLoop();
+        loop_.join();  // no handler runs from here on
+    }
     nameWatch_.reset();
     for (auto& device : devices_) {
         device->Unexport();

@@ -19,6 +19,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/ble/fake_bluez/fake_bus.h"
@@ -86,6 +87,7 @@ private:
     const FakeBluezTiming timing_;
     FakeBus bus_;
     std::unique_ptr<sdbus::IConnection> connection_;  // worker thread only
+    std::thread loop_;  // the bus thread; ends quietly when the bus goes away
     std::unique_ptr<sdbus::IObject> root_;
     std::unique_ptr<sdbus::IObject> agentManager_;
     sdbus::Slot nameWatch_;
