@@ -344,12 +344,12 @@ BleResult VirtualStack::GattReadCharacteristics(const BleGattService& service,
             continue;
         }
         BleGattCharacteristic characteristic;
-        characteristic.uuid = attribute.spec.uuid;
+        characteristic.uuid = attribute.definition.uuid;
         characteristic.serviceHandle = attribute.serviceHandle;
         characteristic.handle = attribute.handle;
-        characteristic.canWrite = attribute.spec.write;
-        characteristic.canWriteWithoutResponse = attribute.spec.writeWithoutResponse;
-        characteristic.canNotify = attribute.spec.notify;
+        characteristic.canWrite = attribute.definition.write;
+        characteristic.canWriteWithoutResponse = attribute.definition.writeWithoutResponse;
+        characteristic.canNotify = attribute.definition.notify;
         list.push_back(characteristic);
     }
     return BLE_OK;
@@ -378,7 +378,7 @@ BleResult VirtualStack::CheckNotifiable(const BleGattCharacteristic& characteris
     if (const BleResult result = CheckAttribute(characteristic, attribute); result != BLE_OK) {
         return result;
     }
-    if (!attribute->spec.notify) {
+    if (!attribute->definition.notify) {
         return BLE_ERR_NOT_SUPPORTED;
     }
     if (failures > 0) {
@@ -431,14 +431,14 @@ BleResult VirtualStack::GattWriteValue(const BleGattCharacteristic& characterist
         if (const BleResult result = CheckAttribute(characteristic, attribute); result != BLE_OK) {
             return result;
         }
-        if (!attribute->spec.write && !attribute->spec.writeWithoutResponse) {
+        if (!attribute->definition.write && !attribute->definition.writeWithoutResponse) {
             return BLE_ERR_NOT_SUPPORTED;
         }
         if (faults_.failWrites > 0) {
             --faults_.failWrites;
             return BLE_ERR_FAILED;
         }
-        if (attribute->spec.uuid == GattUuid::Parse(kSensorWriteUuid)) {
+        if (attribute->definition.uuid == GattUuid::Parse(kSensorWriteUuid)) {
             sensor = attachedSensor_;
         }
     }
@@ -457,7 +457,7 @@ void VirtualStack::SensorNotify(const SensorFrame& frame) {
         }
         const GattUuid notifyUuid = GattUuid::Parse(kSensorNotifyUuid);
         for (const Attribute& attribute : attributes_) {
-            if (attribute.spec.uuid == notifyUuid && attribute.subscribed) {
+            if (attribute.definition.uuid == notifyUuid && attribute.subscribed) {
                 handle = attribute.handle;
             }
         }

@@ -109,7 +109,7 @@ private:
     class Radio final : public BleRadio {};
     enum class Link { Idle, Connecting, Connected };
     struct Attribute {  // a characteristic with the handles the client sees
-        VirtualCharacteristic spec;
+        VirtualCharacteristic definition;
         uint16_t serviceHandle = 0;
         uint16_t handle = 0;
         bool configured = false;

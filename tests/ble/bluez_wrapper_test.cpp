@@ -18,7 +18,7 @@ using orv::test::CountOf;
 using orv::test::Eventually;
 using orv::test::FakeBluez;
 using orv::test::FakeDevice;
-using orv::test::FakeDeviceSpec;
+using orv::test::FakeDeviceConfig;
 using orv::test::FakePairing;
 using States = std::vector<int32_t>;
 using Bytes = std::vector<uint8_t>;
@@ -26,12 +26,12 @@ using Bytes = std::vector<uint8_t>;
 const Bytes kFirmwareRequest = {0x12, 0x00, 0x12};
 const Bytes kFirmwareAnswer = {0x06, 0x03, '1', '2', '0', 0x06 ^ 0x03 ^ '1' ^ '2' ^ '0'};
 
-FakeDeviceSpec Sensor(const std::string& address, const std::string& name) {
-    FakeDeviceSpec spec;
-    spec.address = address;
-    spec.name = name;
-    spec.sensor = QuickSensor(name);
-    return spec;
+FakeDeviceConfig Sensor(const std::string& address, const std::string& name) {
+    FakeDeviceConfig config;
+    config.address = address;
+    config.name = name;
+    config.sensor = QuickSensor(name);
+    return config;
 }
 
 class BluezWrapperTest : public ::testing::Test {
@@ -133,12 +133,12 @@ TEST_F(BluezWrapperTest, SensorLeavingTheRangeIsRescannedUntilItComesBack) {
     ASSERT_TRUE(bluez_.Start());
     StartWrapper();
     ASSERT_TRUE(WaitState(3));
-    device.Spec().sensor->DropLink();
+    device.Config().sensor->DropLink();
     ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1}));
     const int scans = bluez_.DiscoveryStarts();
     ASSERT_TRUE(Eventually([&] { return bluez_.DiscoveryStarts() >= scans + 2; }));
     EXPECT_EQ(device.ConnectCalls(), 1);
-    device.Spec().sensor->ComeBack();
+    device.Config().sensor->ComeBack();
     ASSERT_TRUE(WaitState(3));
     // The sensor answers on the new link.
     ASSERT_TRUE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
@@ -147,7 +147,7 @@ TEST_F(BluezWrapperTest, SensorLeavingTheRangeIsRescannedUntilItComesBack) {
 
 TEST_F(BluezWrapperTest, ServicesNeverResolvedCountAsAFailedConnect) {
     bluez_.AddAdapter();
-    FakeDeviceSpec stuck = Sensor("C0:DE:5E:45:00:01", "orvane-stuck");
+    FakeDeviceConfig stuck = Sensor("C0:DE:5E:45:00:01", "orvane-stuck");
     stuck.resolveServices = false;
     FakeDevice& device = bluez_.AddDevice(stuck);
     ASSERT_TRUE(bluez_.Start());
@@ -185,7 +185,7 @@ TEST_F(BluezWrapperTest, SystemBusDyingUnderALiveLinkIsLivedThrough) {
 TEST_F(BluezWrapperTest, LastFoundFirstThenTheOtherWithoutNewScan) {
     bluez_.AddAdapter();
     FakeDevice& first = bluez_.AddDevice(Sensor("C0:DE:5E:45:00:01", "orvane-1"));
-    FakeDeviceSpec failing = Sensor("C0:DE:5E:45:00:02", "orvane-2");
+    FakeDeviceConfig failing = Sensor("C0:DE:5E:45:00:02", "orvane-2");
     failing.connectError = "org.bluez.Error.Failed";
     FakeDevice& second = bluez_.AddDevice(failing);  // advertised after the first
     ASSERT_TRUE(bluez_.Start());
@@ -201,7 +201,7 @@ TEST_F(BluezWrapperTest, LastFoundFirstThenTheOtherWithoutNewScan) {
 TEST_F(BluezWrapperTest, NameMatchesCaseSensitivelyAndFallsBackToAlias) {
     bluez_.AddAdapter();
     FakeDevice& upper = bluez_.AddDevice(Sensor("C0:DE:5E:45:00:01", "ORVANE-sensor"));
-    FakeDeviceSpec aliasOnly = Sensor("C0:DE:5E:45:00:02", "unused");
+    FakeDeviceConfig aliasOnly = Sensor("C0:DE:5E:45:00:02", "unused");
     aliasOnly.name.reset();
     aliasOnly.alias = "my-orvane";
     FakeDevice& byAlias = bluez_.AddDevice(aliasOnly);
@@ -241,7 +241,7 @@ TEST_F(BluezWrapperTest, SwitchedOffAdapterIsWaitedOut) {
 
 TEST_F(BluezWrapperTest, DeviceWithoutNotifiableCharacteristicIsDroppedEachTime) {
     bluez_.AddAdapter();
-    FakeDeviceSpec mute = Sensor("C0:DE:5E:45:00:01", "orvane-mute");
+    FakeDeviceConfig mute = Sensor("C0:DE:5E:45:00:01", "orvane-mute");
     mute.services.back().characteristics.back().flags = {"read"};
     FakeDevice& device = bluez_.AddDevice(mute);
     ASSERT_TRUE(bluez_.Start());
@@ -277,7 +277,7 @@ TEST_F(BluezWrapperTest, StopTwiceLeavesNothingBehind) {
     ASSERT_TRUE(bluez_.Start());
     StartWrapper();
     ASSERT_TRUE(WaitState(3));
-    device.Spec().sensor->Flood({0x0F, 0x02, 0x00, 0x01, 0x0C}, 500, 200);
+    device.Config().sensor->Flood({0x0F, 0x02, 0x00, 0x01, 0x0C}, 500, 200);
     ASSERT_TRUE(Eventually([&] { return owner_.DataCount() > 5; }));
     wrapper_->Stop();
     const size_t calls = owner_.CallCount();
@@ -326,7 +326,7 @@ TEST_F(BluezWrapperTest, NoSystemBusAtAllIsWaitedOut) {
 
 TEST_F(BluezWrapperTest, AgentGivesTheSensorsPairingAnswers) {
     bluez_.AddAdapter();
-    FakeDeviceSpec passkey = Sensor("C0:DE:5E:45:00:01", "orvane-passkey");
+    FakeDeviceConfig passkey = Sensor("C0:DE:5E:45:00:01", "orvane-passkey");
     passkey.pairing = FakePairing::Passkey;
     FakeDevice& device = bluez_.AddDevice(passkey);
     ASSERT_TRUE(bluez_.Start());
@@ -345,7 +345,7 @@ TEST_F(BluezWrapperTest, AgentGivesTheSensorsPairingAnswers) {
 
 TEST_F(BluezWrapperTest, PinAndConfirmationPairingConnect) {
     bluez_.AddAdapter();
-    FakeDeviceSpec pin = Sensor("C0:DE:5E:45:00:01", "orvane-pin");
+    FakeDeviceConfig pin = Sensor("C0:DE:5E:45:00:01", "orvane-pin");
     pin.pairing = FakePairing::PinCode;
     FakeDevice& device = bluez_.AddDevice(pin);
     ASSERT_TRUE(bluez_.Start());
@@ -354,7 +354,7 @@ TEST_F(BluezWrapperTest, PinAndConfirmationPairingConnect) {
     EXPECT_EQ(device.PairingAnswer(), "7316");
     wrapper_->Stop();
 
-    FakeDeviceSpec confirm = Sensor("C0:DE:5E:45:00:02", "orvane-confirm");
+    FakeDeviceConfig confirm = Sensor("C0:DE:5E:45:00:02", "orvane-confirm");
     confirm.pairing = FakePairing::Confirmation;
     device.SetInRange(false);
     FakeDevice& second = bluez_.AddDevice(confirm);

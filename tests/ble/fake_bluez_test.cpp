@@ -13,7 +13,7 @@ namespace {
 
 using orv::test::Eventually;
 using orv::test::FakeBluez;
-using orv::test::FakeDeviceSpec;
+using orv::test::FakeDeviceConfig;
 using orv::test::VariantMap;
 
 std::string ErrorOf(const std::function<void()>& call) {
@@ -30,11 +30,11 @@ TEST(FakeBluez, BehavesLikeBluetoothdWhereCentralsTripUp) {
     ASSERT_TRUE(bus.ok());
     FakeBluez bluez;
     bluez.AddAdapter();
-    FakeDeviceSpec spec;
-    spec.address = "C0:DE:5E:45:00:01";
-    spec.name = "orvane-demo";
-    spec.known = true;
-    auto& device = bluez.AddDevice(spec);
+    FakeDeviceConfig config;
+    config.address = "C0:DE:5E:45:00:01";
+    config.name = "orvane-demo";
+    config.known = true;
+    auto& device = bluez.AddDevice(config);
     ASSERT_TRUE(bluez.Start());
 
     auto connection = sdbus::createSystemBusConnection();

@@ -59,7 +59,7 @@ void FakeBluez::StartOnWorker(bool& started) {
             RegisterAdapter(*adapter);
         }
         for (auto& device : devices_) {
-            if (device->Spec().known) {
+            if (device->Config().known) {
                 device->Export();
             }
         }
@@ -152,12 +152,12 @@ void FakeBluez::AddAdapter(const std::string& name, bool powered) {
     });
 }
 
-FakeDevice& FakeBluez::AddDevice(const FakeDeviceSpec& spec, const std::string& adapter) {
+FakeDevice& FakeBluez::AddDevice(const FakeDeviceConfig& config, const std::string& adapter) {
     FakeDevice* added = nullptr;
     bus_.RunOnWorker([&] {
-        auto device = std::make_unique<FakeDevice>(bus_, spec,
+        auto device = std::make_unique<FakeDevice>(bus_, config,
                                                    std::string(bluez::kBluezPath) + "/" + adapter);
-        if (connection_ && spec.known) {
+        if (connection_ && config.known) {
             device->Export();
         }
         added = device.get();

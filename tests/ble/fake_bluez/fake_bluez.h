@@ -47,7 +47,7 @@ public:
 
     void AddAdapter(const std::string& name = "hci0", bool powered = true);
     void SetPowered(const std::string& name, bool powered);
-    FakeDevice& AddDevice(const FakeDeviceSpec& spec, const std::string& adapter = "hci0");
+    FakeDevice& AddDevice(const FakeDeviceConfig& config, const std::string& adapter = "hci0");
 
     int DiscoveryStarts() const;
     int DiscoveryStops() const;

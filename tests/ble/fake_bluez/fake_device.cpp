@@ -51,29 +51,29 @@ std::vector<FakeService> SensorServices() {
     };
 }
 
-FakeDevice::FakeDevice(FakeBus& bus, FakeDeviceSpec spec, std::string adapterPath)
+FakeDevice::FakeDevice(FakeBus& bus, FakeDeviceConfig config, std::string adapterPath)
     : bus_(bus),
-      spec_(std::move(spec)),
+      config_(std::move(config)),
       adapterPath_(std::move(adapterPath)),
-      path_(DevicePath(adapterPath_, spec_.address)) {
+      path_(DevicePath(adapterPath_, config_.address)) {
     BuildGatt();
 }
 
 FakeDevice::~FakeDevice() {
-    if (spec_.sensor) {
-        spec_.sensor->Detach();
+    if (config_.sensor) {
+        config_.sensor->Detach();
     }
 }
 
 void FakeDevice::BuildGatt() {
     int handle = 1;
-    for (const FakeService& service : spec_.services) {
+    for (const FakeService& service : config_.services) {
         const std::string servicePath = Numbered(path_, "service", handle++);
         services_.push_back({servicePath, service, nullptr});
         for (const FakeCharacteristic& characteristic : service.characteristics) {
             auto entry = std::make_unique<Characteristic>();
             entry->path = Numbered(servicePath, "char", handle);
-            entry->spec = characteristic;
+            entry->definition = characteristic;
             characteristics_.push_back(std::move(entry));
             handle += 2;  // declaration and value
         }
@@ -82,16 +82,16 @@ void FakeDevice::BuildGatt() {
 
 VariantMap FakeDevice::DeviceProperties(std::optional<int16_t> rssi) const {
     std::vector<std::string> uuids;
-    for (const FakeService& service : spec_.services) {
+    for (const FakeService& service : config_.services) {
         uuids.push_back(service.uuid);
     }
-    std::string alias = spec_.alias;
+    std::string alias = config_.alias;
     if (alias.empty()) {
-        alias = spec_.name.value_or(spec_.address);
+        alias = config_.name.value_or(config_.address);
         std::replace(alias.begin(), alias.end(), ':', '-');
     }
     VariantMap properties{
-        {"Address", sdbus::Variant(spec_.address)},
+        {"Address", sdbus::Variant(config_.address)},
         {"AddressType", sdbus::Variant(std::string("random"))},
         {"Alias", sdbus::Variant(alias)},
         {"Adapter", sdbus::Variant(sdbus::ObjectPath(adapterPath_))},
@@ -101,10 +101,10 @@ VariantMap FakeDevice::DeviceProperties(std::optional<int16_t> rssi) const {
         {"ServicesResolved", sdbus::Variant(resolved_)},
         {"UUIDs", sdbus::Variant(uuids)},
     };
-    if (spec_.name) {
-        properties["Name"] = sdbus::Variant(*spec_.name);
+    if (config_.name) {
+        properties["Name"] = sdbus::Variant(*config_.name);
     }
-    if (spec_.classic) {
+    if (config_.classic) {
         properties["Class"] = sdbus::Variant(kClassOfPhone);
     }
     if (rssi) {
@@ -192,8 +192,8 @@ void FakeDevice::ForgetRssi() {
 }
 
 void FakeDevice::Unexport() {
-    if (spec_.sensor) {
-        spec_.sensor->Detach();
+    if (config_.sensor) {
+        config_.sensor->Detach();
     }
     // Dropped outside the lock: unregistering takes the bus's own lock,
     // which property getters hold while they take ours.
@@ -225,7 +225,7 @@ void FakeDevice::ExportGatt() {
     for (Service& service : services_) {
         service.object = sdbus::createObject(*bus_.connection, service.path);
         const VariantMap properties{
-            {"UUID", sdbus::Variant(service.spec.uuid)},
+            {"UUID", sdbus::Variant(service.definition.uuid)},
             {"Device", sdbus::Variant(sdbus::ObjectPath(path_))},
             {"Primary", sdbus::Variant(true)},
         };
@@ -238,12 +238,12 @@ void FakeDevice::ExportGatt() {
             } else if (key == "Device") {
                 registrar.withGetter([this] { return sdbus::ObjectPath(path_); });
             } else {
-                registrar.withGetter([&service] { return service.spec.uuid; });
+                registrar.withGetter([&service] { return service.definition.uuid; });
             }
         }
         service.object->finishRegistration();
         bus_.EmitInterfacesAdded(service.path, {{kServiceInterface, properties}});
-        for (size_t i = 0; i < service.spec.characteristics.size(); ++i, ++next) {
+        for (size_t i = 0; i < service.definition.characteristics.size(); ++i, ++next) {
             RegisterCharacteristic(*characteristics_[next], service.path);
         }
     }
@@ -270,13 +270,13 @@ void FakeDevice::RegisterCharacteristic(Characteristic& c, const std::string& se
             return c.value;
         });
     o.registerProperty("UUID").onInterface(kCharacteristicInterface).withGetter([&c] {
-        return c.spec.uuid;
+        return c.definition.uuid;
     });
     o.registerProperty("Service").onInterface(kCharacteristicInterface).withGetter([servicePath] {
         return sdbus::ObjectPath(servicePath);
     });
     o.registerProperty("Flags").onInterface(kCharacteristicInterface).withGetter([&c] {
-        return c.spec.flags;
+        return c.definition.flags;
     });
     o.registerProperty("Notifying").onInterface(kCharacteristicInterface).withGetter([this, &c] {
         std::lock_guard lock(bus_.mutex);
@@ -293,22 +293,22 @@ void FakeDevice::RegisterCharacteristic(Characteristic& c, const std::string& se
         notifying = c.notifying;
     }
     bus_.EmitInterfacesAdded(c.path, {{kCharacteristicInterface,
-                                       {{"UUID", sdbus::Variant(c.spec.uuid)},
+                                       {{"UUID", sdbus::Variant(c.definition.uuid)},
                                         {"Service", sdbus::Variant(sdbus::ObjectPath(servicePath))},
-                                        {"Flags", sdbus::Variant(c.spec.flags)},
+                                        {"Flags", sdbus::Variant(c.definition.flags)},
                                         {"Notifying", sdbus::Variant(notifying)}}}});
 }
 
 bool FakeDevice::Pair() {
     {
         std::lock_guard lock(bus_.mutex);
-        if (spec_.pairing == FakePairing::None || paired_) {
+        if (config_.pairing == FakePairing::None || paired_) {
             return true;
         }
     }
     bool accepted = false;
     std::string answer;
-    switch (spec_.pairing) {
+    switch (config_.pairing) {
         case FakePairing::Passkey: {
             const auto passkey = bus_.AskPasskey(path_);
             answer = passkey ? std::to_string(*passkey) : "none";
@@ -347,8 +347,8 @@ void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
     {
         std::lock_guard lock(bus_.mutex);
         ++connectCalls_;
-        if (!spec_.connectError.empty()) {
-            error = spec_.connectError;
+        if (!config_.connectError.empty()) {
+            error = config_.connectError;
         } else if (connected_) {
             error = "org.bluez.Error.AlreadyConnected";
         }
@@ -371,7 +371,7 @@ void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
                                    {{"Connected", sdbus::Variant(true)}});
     reply->returnResults();
     ExportGatt();
-    if (spec_.resolveServices) {
+    if (config_.resolveServices) {
         {
             std::lock_guard lock(bus_.mutex);
             resolved_ = true;
@@ -379,8 +379,8 @@ void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
         FakeBus::EmitPropertiesChanged(*object_, kDeviceInterface,
                                        {{"ServicesResolved", sdbus::Variant(true)}});
     }
-    if (spec_.sensor) {
-        spec_.sensor->Attach(this);
+    if (config_.sensor) {
+        config_.sensor->Attach(this);
     }
 }
 
@@ -406,8 +406,8 @@ void FakeDevice::Disconnect(std::shared_ptr<sdbus::Result<>> reply) {
     }
     FakeBus::EmitPropertiesChanged(*object_, kDeviceInterface,
                                    {{"Connected", sdbus::Variant(false)}});
-    if (spec_.sensor) {
-        spec_.sensor->Detach();
+    if (config_.sensor) {
+        config_.sensor->Detach();
     }
 }
 
@@ -423,8 +423,8 @@ void FakeDevice::EndLink() {
     FakeBus::EmitPropertiesChanged(
         *object_, kDeviceInterface,
         {{"Connected", sdbus::Variant(false)}, {"ServicesResolved", sdbus::Variant(false)}});
-    if (spec_.sensor) {
-        spec_.sensor->Detach();
+    if (config_.sensor) {
+        config_.sensor->Detach();
     }
 }
 
@@ -444,7 +444,7 @@ void FakeDevice::SetInRange(bool inRange) {
 
 bool FakeDevice::InRange() const {
     std::lock_guard lock(bus_.mutex);
-    return inRange_ && (!spec_.sensor || spec_.sensor->InRange());
+    return inRange_ && (!config_.sensor || config_.sensor->InRange());
 }
 
 bool FakeDevice::Exported() const {
@@ -479,7 +479,7 @@ void FakeDevice::NotifyOn(Characteristic* characteristic, const std::vector<uint
 
 FakeDevice::Characteristic* FakeDevice::FirstNotifying() {
     for (auto& characteristic : characteristics_) {
-        if (Has(characteristic->spec, "notify")) {
+        if (Has(characteristic->definition, "notify")) {
             return characteristic.get();
         }
     }
@@ -488,7 +488,7 @@ FakeDevice::Characteristic* FakeDevice::FirstNotifying() {
 
 FakeDevice::Characteristic* FakeDevice::ByUuid(const std::string& uuid) {
     for (auto& characteristic : characteristics_) {
-        if (characteristic->spec.uuid == uuid) {
+        if (characteristic->definition.uuid == uuid) {
             return characteristic.get();
         }
     }
@@ -502,7 +502,7 @@ void FakeDevice::StartNotify(Characteristic& c) {
         if (!connected_) {
             throw Failed("Not connected");
         }
-        if (!Has(c.spec, "notify") && !Has(c.spec, "indicate")) {
+        if (!Has(c.definition, "notify") && !Has(c.definition, "indicate")) {
             throw sdbus::Error("org.bluez.Error.NotSupported", "Operation is not supported");
         }
         if (c.notifying) {
@@ -540,16 +540,16 @@ void FakeDevice::WriteValue(Characteristic& c, const std::vector<uint8_t>& value
         if (!connected_) {
             throw Failed("Not connected");
         }
-        const bool command = type == "command" || (type.empty() && !Has(c.spec, "write"));
-        if (!Has(c.spec, command ? "write-without-response" : "write")) {
+        const bool command = type == "command" || (type.empty() && !Has(c.definition, "write"));
+        if (!Has(c.definition, command ? "write-without-response" : "write")) {
             throw sdbus::Error("org.bluez.Error.NotSupported", "Operation is not supported");
         }
         if (failWrites_) {
             throw Failed("Operation failed with ATT error: 0x0e");
         }
-        writes_.push_back({value, type, c.spec.uuid});
-        if (c.spec.uuid == kSensorWriteUuid) {
-            sensor = spec_.sensor;
+        writes_.push_back({value, type, c.definition.uuid});
+        if (c.definition.uuid == kSensorWriteUuid) {
+            sensor = config_.sensor;
         }
     }
     if (sensor) {
@@ -573,7 +573,7 @@ bool FakeDevice::ServicesResolved() const {
 bool FakeDevice::Notifying() const {
     std::lock_guard lock(bus_.mutex);
     for (const auto& characteristic : characteristics_) {
-        if (Has(characteristic->spec, "notify")) {
+        if (Has(characteristic->definition, "notify")) {
             return characteristic->notifying;
         }
     }

@@ -32,7 +32,7 @@ std::vector<FakeService> SensorServices();
 
 enum class FakePairing { None, Passkey, PinCode, Confirmation };
 
-struct FakeDeviceSpec {
+struct FakeDeviceConfig {
     std::string address;              // "C0:DE:5E:45:00:01"
     std::optional<std::string> name;  // absent: only the Alias is there
     std::string alias;                // empty: the name, else the address with '-'
@@ -53,13 +53,13 @@ struct FakeWrite {
 
 class FakeDevice : private VirtualSensorHost {
 public:
-    FakeDevice(FakeBus& bus, FakeDeviceSpec spec, std::string adapterPath);
+    FakeDevice(FakeBus& bus, FakeDeviceConfig config, std::string adapterPath);
     ~FakeDevice() override;
     FakeDevice(const FakeDevice&) = delete;
     FakeDevice& operator=(const FakeDevice&) = delete;
 
     const std::string& Path() const { return path_; }
-    const FakeDeviceSpec& Spec() const { return spec_; }
+    const FakeDeviceConfig& Config() const { return config_; }
 
     // Test controls. Out of range, scans miss it and a link drops.
     void SetInRange(bool inRange);
@@ -91,14 +91,14 @@ public:
 private:
     struct Characteristic {
         std::string path;
-        FakeCharacteristic spec;
+        FakeCharacteristic definition;
         bool notifying = false;
         std::vector<uint8_t> value;
         std::unique_ptr<sdbus::IObject> object;
     };
     struct Service {
         std::string path;
-        FakeService spec;
+        FakeService definition;
         std::unique_ptr<sdbus::IObject> object;
     };
 
@@ -130,7 +130,7 @@ private:
     }
 
     FakeBus& bus_;
-    const FakeDeviceSpec spec_;
+    const FakeDeviceConfig config_;
     const std::string adapterPath_;
     const std::string path_;
 
