@@ -1,0 +1,56 @@
+// Helpers of the BLE tests: an owner that records its callbacks, the debug
+// log captured, a sensor that answers without delay.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "ble/btfr_gatt_wrapper.h"
+#include "ble/bth_callback.h"
+#include "ble/virtual/virtual_sensor.h"
+#include "tests/support/test_support.h"
+
+// Records every state and data callback.
+class RecordingOwner : public BthCallback {
+public:
+    void OnBthConnectionState(int32_t state) override;
+    void OnBthData(const uint8_t* data, uint32_t size) override;
+
+    std::vector<int32_t> States() const;
+    std::vector<std::vector<uint8_t>> Data() const;
+    size_t DataCount() const;
+    size_t CallCount() const;
+    // True when the data received so far holds `frame`.
+    bool Received(const std::vector<uint8_t>& frame) const;
+    // States seen after the first `skip` ones.
+    std::vector<int32_t> StatesFrom(size_t skip) const;
+    void Clear();
+
+private:
+    mutable std::mutex mutex_;  // guards states_, data_
+    std::vector<int32_t> states_;
+    std::vector<std::vector<uint8_t>> data_;
+};
+
+// Debug log on and standard output captured, for the life of the object.
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    std::string Text() const { return capture_.Text(); }
+
+private:
+    orv::test::StdoutCapture capture_;
+};
+
+// A sensor that answers within a millisecond and swings in a few.
+std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name);
+
+// A wrapper over `stack` set up as the session sets it up (filter "orvane",
+// the sensor's service and characteristics), reporting to `owner`.
+std::unique_ptr<BtfrGattWrapper> MakeSensorWrapper(std::unique_ptr<BleStack> stack,
+                                                   BthCallback& owner,
+                                                   const GattWrapperTiming& timing);

@@ -1,0 +1,114 @@
+#include "tests/ble/fake_bluez/private_system_bus.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace orv::test {
+
+namespace {
+
+constexpr const char* kAddressVariable = "DBUS_SYSTEM_BUS_ADDRESS";
+constexpr int kStartTimeoutMs = 20000;
+
+// No <servicedir>: nothing is ever activated. Every message and name is allowed.
+std::string Configuration(const std::string& socket) {
+    return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>system</type>
+  <listen>unix:path=)" +
+           socket + R"(</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow user="*"/>
+    <allow own="*"/>
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow receive_sender="*"/>
+    <allow send_type="method_call"/>
+    <allow send_type="signal"/>
+    <allow send_type="method_return"/>
+    <allow send_type="error"/>
+    <allow receive_type="method_call"/>
+    <allow receive_type="signal"/>
+    <allow receive_type="method_return"/>
+    <allow receive_type="error"/>
+  </policy>
+</busconfig>
+)";
+}
+
+}  // namespace
+
+PrivateSystemBus::PrivateSystemBus() {
+    const std::string config = (dir_.path() / "system.conf").string();
+    std::ofstream(config) << Configuration((dir_.path() / "system_bus_socket").string());
+
+    int fds[2];
+    if (pipe(fds) != 0) {
+        return;
+    }
+    // Built before fork: the child of a threaded process may not allocate.
+    const std::string configArg = "--config-file=" + config;
+    const std::string printArg = "--print-address=" + std::to_string(fds[1]);
+    const std::string log = (dir_.path() / "dbus-daemon.log").string();
+    pid_ = fork();
+    if (pid_ == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);  // never outlives a crashed test
+        close(fds[0]);
+        // Its complaints (no fd limit raise without privileges) stay in its folder.
+        const int logFd = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        if (logFd >= 0) {
+            dup2(logFd, STDERR_FILENO);
+            close(logFd);
+        }
+        execlp("dbus-daemon", "dbus-daemon", configArg.c_str(), printArg.c_str(), "--nofork",
+               "--nopidfile", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    close(fds[1]);
+    std::string address;
+    pollfd waiter{fds[0], POLLIN, 0};
+    while (pid_ > 0 && poll(&waiter, 1, kStartTimeoutMs) > 0) {
+        char c;
+        if (read(fds[0], &c, 1) != 1 || c == '\n') {
+            break;
+        }
+        address.push_back(c);
+    }
+    close(fds[0]);
+    if (address.empty()) {
+        Kill();
+        return;
+    }
+    address_ = address;
+    if (const char* previous = std::getenv(kAddressVariable)) {
+        previousAddress_ = previous;
+    }
+    setenv(kAddressVariable, address_.c_str(), 1);
+}
+
+PrivateSystemBus::~PrivateSystemBus() {
+    Kill();
+    if (previousAddress_) {
+        setenv(kAddressVariable, previousAddress_->c_str(), 1);
+    } else if (!address_.empty()) {
+        unsetenv(kAddressVariable);
+    }
+}
+
+void PrivateSystemBus::Kill() {
+    if (pid_ > 0) {
+        kill(pid_, SIGTERM);
+        waitpid(pid_, nullptr, 0);
+        pid_ = -1;
+    }
+}
+
+}  // namespace orv::test
