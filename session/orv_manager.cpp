@@ -1,7 +1,6 @@
 #include "session/orv_manager.h"
 
 #include "ble/bluez/make_bluez_stack.h"
-#include "ble/virtual/virtual_sensor.h"
 #include "ble/virtual/virtual_stack.h"
 #include "common/clock.h"
 #include "common/debug_log.h"
@@ -21,19 +20,6 @@ constexpr const char* kDeviceNameFilter = "orvane";
 constexpr const char* kServiceUuid = "{6e400001-b5a3-f393-e0a9-e50e24dcca9e}";
 constexpr const char* kWriteUuid = "{6e400002-b5a3-f393-e0a9-e50e24dcca9e}";
 constexpr const char* kNotifyUuid = "{6e400003-b5a3-f393-e0a9-e50e24dcca9e}";
-
-// A virtual sensor in range that swings by itself every few seconds.
-std::unique_ptr<BleStack> MakeDemoSensorStack() {
-    auto sensor = std::make_shared<VirtualSensor>();
-    sensor->SetAutoSwing(true);
-    auto stack = std::make_unique<VirtualStack>();
-    VirtualPeripheral peripheral;
-    peripheral.address = 0x0A0B0C0D0E0F;
-    peripheral.name = sensor->Name();
-    peripheral.sensor = sensor;
-    stack->AddPeripheral(peripheral);
-    return stack;
-}
 
 }  // namespace
 
@@ -107,7 +93,7 @@ void OrvManager::StartOrvane() {
     }
     if (gatt.load() == nullptr) {
         std::unique_ptr<BleStack> stack = config.makeBleStack ? config.makeBleStack()
-                                          : config.demoMode   ? MakeDemoSensorStack()
+                                          : config.demoMode   ? MakeDemoStack()
                                                               : MakeBluezStack();
         ownedGatt = std::make_unique<BtfrGattWrapper>(std::move(stack));
         ownedGatt->SetOwner(this);
@@ -141,6 +127,9 @@ void OrvManager::StopOrvane() {
         ownedGatt->Stop();
         gatt = nullptr;
         retiredGatt = std::move(ownedGatt);
+        // The link is gone without a disconnect report reaching us: forget its club,
+        // or a restart would think the sensor already holds it.
+        state->clubCode = 0;
     }
     // The records stay until Stop ends: simulator callbacks may still queue.
     if (recvWorker && recvWorker->thread) {
@@ -347,6 +336,11 @@ void OrvManager::OnBthConnectionState(int32_t connectionState) {
             E6TruSimClient* client = e6.load();
             if (IsSimulatorReady() && client->GetCurrentClub() != 0) {
                 ChangeClub(static_cast<int>(client->GetCurrentClub()), true);
+                // ChangeClub sends nothing when the club already matches; the
+                // firmware request must go out all the same.
+                if (WorkerRecord* worker = sendWorker.get()) {
+                    worker->cv.notify_one();
+                }
             } else {
                 OrvCmdClubInfoReqModel clubInfo;
                 EnqueueCommand(clubInfo);

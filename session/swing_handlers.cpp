@@ -6,6 +6,7 @@
 #include "common/debug_log.h"
 #include "common/speech.h"
 #include "common/string_res.h"
+#include "common/user_depends_data.h"
 #include "protocol/code_tables.h"
 #include "session/orv_manager.h"
 #include "simulator/shot_records.h"

@@ -55,18 +55,6 @@ void RecordingOwner::Clear() {
     data_.clear();
 }
 
-LogCapture::LogCapture() {
-    ShowLog(true, false);
-}
-
-LogCapture::~LogCapture() {
-    ShowLog(false, false);
-    // gtest reports into the captured output too: hand it over on failure.
-    if (::testing::Test::HasFailure()) {
-        std::fprintf(stderr, "%s", Text().c_str());
-    }
-}
-
 std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name) {
     VirtualSensorTiming timing;
     timing.answerDelay = std::chrono::milliseconds(1);

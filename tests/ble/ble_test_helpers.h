@@ -1,5 +1,5 @@
-// Helpers of the BLE tests: an owner that records its callbacks, the debug
-// log captured, a sensor that answers without delay.
+// Helpers of the BLE tests: an owner that records its callbacks and a sensor
+// that answers without delay.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +12,8 @@
 #include "ble/bth_callback.h"
 #include "ble/virtual/virtual_sensor.h"
 #include "tests/support/test_support.h"
+
+using orv::test::LogCapture;
 
 // Records every state and data callback.
 class RecordingOwner : public BthCallback {
@@ -33,17 +35,6 @@ private:
     mutable std::mutex mutex_;  // guards states_, data_
     std::vector<int32_t> states_;
     std::vector<std::vector<uint8_t>> data_;
-};
-
-// Debug log on and standard output captured, for the life of the object.
-class LogCapture {
-public:
-    LogCapture();
-    ~LogCapture();
-    std::string Text() const { return capture_.Text(); }
-
-private:
-    orv::test::StdoutCapture capture_;
 };
 
 // A sensor that answers within a millisecond and swings in a few.

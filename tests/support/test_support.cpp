@@ -9,6 +9,10 @@
 #include <sstream>
 #include <thread>
 
+#include <gtest/gtest.h>
+
+#include "common/debug_log.h"
+
 namespace orv::test {
 
 bool Eventually(const std::function<bool()>& condition, std::chrono::milliseconds timeout,
@@ -49,6 +53,15 @@ std::string StdoutCapture::Text() const {
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+LogCapture::LogCapture() { ShowLog(true, false); }
+
+LogCapture::~LogCapture() {
+    ShowLog(false, false);
+    if (::testing::Test::HasFailure()) {
+        std::fprintf(stderr, "%s", Text().c_str());
+    }
 }
 
 TempDir::TempDir() {

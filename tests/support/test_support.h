@@ -30,6 +30,21 @@ private:
     std::filesystem::path file_;
 };
 
+// Debug log on and standard output captured, for the life of the object. On
+// a test failure the captured text goes to standard error, where it is seen.
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    std::string Text() const { return capture_.Text(); }
+
+private:
+    StdoutCapture capture_;
+};
+
 // A fresh folder under the system temporary folder, removed with the object.
 class TempDir {
 public:

@@ -1,0 +1,319 @@
+// The session end to end: the in-process sensor on one side, the stand-in
+// simulator over real loopback TCP on the other.
+#include <dirent.h>
+
+#include <algorithm>
+
+#include "common/debug_log.h"
+#include "protocol/command_models.h"
+#include "protocol/data_records.h"
+#include "simulator/club_tables.h"
+#include "simulator/shot_records.h"
+#include "simulator/trusim_messages.h"
+#include "tests/session/session_fixture.h"
+
+namespace orv::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Bytes = std::vector<uint8_t>;
+
+Bytes FrameOf(OrvCmdBaseModel&& command) {
+    bb* frame = command.MakeSendPacket();
+    return Bytes(frame->data, frame->data + frame->size);
+}
+
+// The swing record as the session parses it from the sensor's frame.
+struct ParsedSwing {
+    explicit ParsedSwing(const SwingValues& values) : frame(SwingInfoFrame(values)) {
+        buffer = bb_new_copy(frame.data(), static_cast<uint32_t>(frame.size()));
+        record = std::make_unique<OrvDataSwingInfoModel>(buffer);
+        record->ParseData();
+    }
+    ~ParsedSwing() {
+        record.reset();
+        bb_free(&buffer);
+    }
+    double Path() const {
+        return record->ClubPathDir == 5 ? -double{record->ClubPath} : record->ClubPath;
+    }
+    double Face() const {
+        return record->FaceAngleDir == 5 ? -double{record->FaceAngle} : record->FaceAngle;
+    }
+    SensorFrame frame;
+    bb* buffer = nullptr;
+    std::unique_ptr<OrvDataSwingInfoModel> record;
+};
+
+int ThreadCount() {
+    int count = 0;
+    if (DIR* dir = opendir("/proc/self/task")) {
+        while (dirent* entry = readdir(dir)) {
+            count += entry->d_name[0] != '.';
+        }
+        closedir(dir);
+    }
+    return count;
+}
+
+class SessionE2E : public SessionTest {};
+
+TEST_F(SessionE2E, ConnectAsksFirmwareFirstThenClubAndSyncsStateAfterTheVersion) {
+    emulator->Stop();  // no simulator: the sensor's own club is asked for
+    StartManager();
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }));
+    ASSERT_TRUE(Eventually([&] { return !WrittenWithCode(ORV_COMMAND_STATE_SYNC).empty(); }));
+    ASSERT_TRUE(
+        Eventually([&] { return !WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT).empty(); }));
+
+    const std::vector<SensorFrame> written = sensor->WrittenFrames();
+    ASSERT_GE(written.size(), 3u);
+    EXPECT_EQ(written[0], (Bytes{0x12, 0x00, 0x12}));  // firmware version first
+    EXPECT_EQ(written[1], (Bytes{0x0C, 0x00, 0x0C}));  // then the club
+    EXPECT_EQ(WrittenWithCode(ORV_COMMAND_STATE_SYNC)[0],
+              (Bytes{0x0A, 0x03, 0x02, 0x03, 0x00, 0x08}));
+    // The first club report is answered with the user's sensitivity row (driver, level 1).
+    EXPECT_EQ(WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT)[0],
+              (Bytes{0x18, 0x0A, 0x01, 0xFF, 0xBA, 0x00, 0x32, 0x50, 0x03, 0xE8, 0x08, 0x98, 0x4F}));
+    EXPECT_EQ(manager->GetDeviceVersion(), "1.2.0");
+    // The UI hears "connected" only with the firmware version, after 1 and 2.
+    const auto events = ui.Events();
+    const auto connected = std::find(events.begin(), events.end(), "ble:3");
+    EXPECT_NE(std::find(events.begin(), connected, "ble:2"), connected);
+}
+
+TEST_F(SessionE2E, SensorAndSimulatorAgreeOnTheClubBothWays) {
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+
+    // The sensor's gap wedge is the simulator's sand wedge.
+    emulator->ClearReceived();
+    sensor->SendFrame(ClubInfoFrame(12));
+    ASSERT_TRUE(Eventually([&] { return !ReceivedOfType("SetClubType").empty(); }));
+    EXPECT_EQ(ReceivedOfType("SetClubType")[0], R"({"Type":"SetClubType","ClubType":"SWedge"})");
+
+    // The simulator's 3-iron is the sensor's club 4.
+    sensor->ClearWrittenFrames();
+    emulator->SetClub("3Iron");
+    ASSERT_TRUE(emulator->SendPlayerData());
+    ASSERT_TRUE(
+        Eventually([&] { return !WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT).empty(); }));
+    const SensorFrame select = WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT)[0];
+    EXPECT_EQ(select, FrameOf(MakeClubSelectCommand(4, 1)));
+    // The sensor confirms club 4, which the simulator already has as 16: nothing more is sent.
+    ASSERT_TRUE(Eventually([&] { return manager->GetState().clubCode.load() == 4; }));
+    EXPECT_EQ(manager->GetE6()->GetCurrentClub(), 16u);
+}
+
+TEST_F(SessionE2E, SwingBecomesTheFourShotMessagesWithTheModelsTexts) {
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+    emulator->ClearReceived();
+    sensor->ClearWrittenFrames();
+
+    const SwingValues swing = DriverSwing(150.0);
+    sensor->TriggerSwing(swing);
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("shot"); }));
+
+    const ParsedSwing parsed(swing);
+    const double distanceToPin = manager->GetE6()->GetDistanceToPin();
+    ASSERT_GT(distanceToPin, 0.0);
+    const E6BallData ball =
+        E6_MakeBallData(1, 1, parsed.record->HeadSpeed, parsed.Path(), parsed.Face(),
+                        parsed.record->SwingDistance / distanceToPin);
+    const E6ClubData club = E6_MakeClubData(parsed.record->HeadSpeed, parsed.Path(), parsed.Face());
+
+    std::vector<std::string> shot;
+    for (const std::string& text : emulator->Received()) {
+        if (text.find("\"Type\":\"Set") != std::string::npos && text.find("ClubType") == std::string::npos) {
+            shot.push_back(text);
+        } else if (text == E6_GetSendShotJson()) {
+            shot.push_back(text);
+        }
+    }
+    ASSERT_EQ(shot.size(), 4u);
+    EXPECT_EQ(shot[0], E6_GetBallDataJson(ball));
+    EXPECT_EQ(shot[1], E6_GetClubDataJson(club));
+    EXPECT_EQ(shot[2],
+              R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})");
+    EXPECT_EQ(shot[3], R"({"Type":"SendShot"})");
+    EXPECT_NE(shot[0].find("\"BallSpeed\":"), std::string::npos);
+
+    // The recording ran from address to two seconds past the swing.
+    EXPECT_GE(recording.Count("start"), 1);
+    EXPECT_GE(recording.Count("stop:2"), 1);
+    // After the shot the sensor is told to hold (system setting flag 0).
+    ASSERT_TRUE(Eventually([&] {
+        for (const SensorFrame& frame : WrittenWithCode(ORV_COMMAND_SYSTEM_SETTING)) {
+            if (frame == FrameOf(OrvCmdSystemSettingModel(0, 0, 1, 0))) {
+                return true;
+            }
+        }
+        return false;
+    }));
+    // The simulator disarms after the shot: the clip is shown.
+    EXPECT_TRUE(Eventually([&] { return recording.Count("show") == 1; }));
+}
+
+TEST_F(SessionE2E, ShortSwingIsDroppedExceptWithThePutter) {
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+
+    sensor->TriggerSwing(DriverSwing(4.9));
+    sensor->TriggerSwing(DriverSwing(150.0));
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    // Exactly one shot, and it is the long one: the short swing never became a shot.
+    EXPECT_TRUE(Eventually([&] { return ui.Count("shot") == 1; }));
+    EXPECT_EQ(emulator->Shots().size(), 1u);
+    ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetArmState() == 0; }));
+
+    emulator->SetClub("Putter");
+    ASSERT_TRUE(emulator->SendPlayerData());
+    ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetCurrentClub() == 15u; }));
+    SwingValues putt = DriverSwing(4.9);
+    putt.headSpeed = 2.0;
+    sensor->TriggerSwing(putt);
+    ASSERT_TRUE(emulator->WaitForShots(2, 10s));
+    EXPECT_EQ(emulator->Shots()[1].club, "Putter");
+}
+
+TEST_F(SessionE2E, LeftRightSignalsChangeTheClubOnceByTheirSum) {
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+    sensor->ClearWrittenFrames();
+
+    sensor->SendLrSignal(0, 1);
+    sensor->SendLrSignal(0, 2);
+    sensor->SendLrSignal(0, 1);
+    // Driver + 4 steps of the ring: 3 wood, 5 wood, 3 iron, 4 iron.
+    ASSERT_TRUE(
+        Eventually([&] { return !WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT).empty(); }));
+    std::this_thread::sleep_for(300ms);  // a second change would come within one debounce
+    const auto selects = WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT);
+    ASSERT_EQ(selects.size(), 1u);
+    EXPECT_EQ(selects[0][2], 5);
+}
+
+TEST_F(SessionE2E, SilentSensorIsDroppedAfterTheFreshThenTheAliveLimit) {
+    LogCapture log;
+    sensor->SetSilent(true);
+    emulator->Stop();
+    StartManager();
+    // Nothing ever answers the firmware request: dropped after the fresh-link limit.
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }, 10s));
+    EXPECT_NE(log.Text().find("Call disconnect.(timeout:300)\n"), std::string::npos);
+
+    // A link that has answered gets the longer limit.
+    sensor->SetSilent(false);
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 10s));
+    // Wait until every command of the connect sequence is answered.
+    ASSERT_TRUE(Eventually([&] {
+        return !WrittenWithCode(ORV_COMMAND_STATE_SYNC).empty() &&
+               !WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT).empty() &&
+               manager->GetState().lastSendMs.load() == 0 &&
+               (std::this_thread::sleep_for(50ms), manager->GetState().lastSendMs.load() == 0);
+    }));
+    ui.Clear();
+    sensor->SetSilent(true);
+    const auto silentSince = std::chrono::steady_clock::now();
+    Orvane::OrvManager* m = manager.get();
+    OrvCmdBatteryStateReqModel battery;
+    m->EnqueueCommand(battery);
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }, 10s));
+    EXPECT_GE(std::chrono::steady_clock::now() - silentSince, 1000ms);
+    EXPECT_NE(log.Text().find("Call disconnect.(timeout:1000)\n"), std::string::npos);
+}
+
+TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPing) {
+    config.timing.pingInterval = 200ms;
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+    ASSERT_TRUE(Eventually([&] { return !WrittenWithCode(ORV_COMMAND_TIME_SYNC_REQ).empty(); }));
+    ASSERT_TRUE(Eventually([&] { return !WrittenWithCode(ORV_COMMAND_BATTERY_REQ).empty(); }));
+    const SensorFrame time = WrittenWithCode(ORV_COMMAND_TIME_SYNC_REQ)[0];
+    ASSERT_EQ(time.size(), 7u);
+    EXPECT_EQ(time[1], 4);
+    EXPECT_LT(time[2], 24);
+    EXPECT_LT(time[3], 60);
+    EXPECT_EQ(time[5], 1);
+    EXPECT_EQ(WrittenWithCode(ORV_COMMAND_BATTERY_REQ)[0], (Bytes{0x1D, 0x00, 0x1D}));
+    EXPECT_TRUE(Eventually([&] { return !ReceivedOfType("Ping").empty(); }));
+    EXPECT_TRUE(Eventually([&] { return ui.Saw("battery:" + std::to_string(sensor->Battery())); }));
+}
+
+TEST_F(SessionE2E, BackSwingWithoutResultStopsTheClipAfterEightWaits) {
+    LogCapture log;
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+
+    sensor->SendFrame(SimRawFrame({}, 2));
+    sensor->SendFrame(SimRawFrame({}, 3));
+    ASSERT_TRUE(Eventually([&] { return log.Text().find("Back swing timeout.\n") != std::string::npos; }));
+    const std::string text = log.Text();
+    EXPECT_NE(text.find("Enter Backswing.\n"), std::string::npos);
+    EXPECT_EQ(recording.Count("start"), 1);
+    EXPECT_EQ(recording.Count("stop:0"), 1);  // the time-out stopped the clip
+    EXPECT_TRUE(ui.Saw("ready"));
+}
+
+TEST_F(SessionE2E, SimulatorRestartAndBleDropHealByThemselves) {
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+
+    emulator->Stop();
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("e6:0"); }));
+    StartEmulator();
+    ASSERT_TRUE(Eventually([&] { return emulator->IsClientAuthenticated(); }));
+    ASSERT_TRUE(WaitReady());
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+
+    ui.Clear();
+    sensor->DropLink();
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }));
+    sensor->ComeBack();
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }));
+    ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetArmState() == 0; }));
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(emulator->WaitForShots(2, 10s));
+}
+
+TEST_F(SessionE2E, UnknownAndShortFramesAreLoggedAndTheSessionGoesOn) {
+    LogCapture log;
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+    sensor->SendFrame({0x55, 0x01, 0x02, 0x56});
+    sensor->SendFrame({ORV_DATA_SWING_INFO, 0x11});  // cut short: parses as zeros, dropped
+    sensor->SendFrame({});                           // empty: a sign of life only
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    EXPECT_NE(log.Text().find("Unknown data type: 85\n"), std::string::npos);
+    EXPECT_EQ(emulator->Shots().size(), 1u);
+}
+
+TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {
+    const int before = ThreadCount();
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+    OrvCmdBatteryStateReqModel battery;
+    for (int i = 0; i < 50; ++i) {
+        manager->PushSendQ(battery);  // left queued: Stop must free them
+    }
+    manager->Stop();
+    EXPECT_FALSE(manager->IsRunning());
+    EXPECT_EQ(manager->GetGatt(), nullptr);
+    EXPECT_EQ(manager->GetE6(), nullptr);
+    // Timer and helper threads of the test's own sensor and simulator stay.
+    const int stopped = ThreadCount();
+    EXPECT_LE(stopped, before + 4) << "before " << before << ", after " << stopped;
+
+    ui.Clear();
+    manager->Start();
+    ASSERT_TRUE(WaitReady());
+    sensor->TriggerSwing(DriverSwing());
+    EXPECT_TRUE(emulator->WaitForShots(1, 10s));
+}
+
+}  // namespace
+}  // namespace orv::test

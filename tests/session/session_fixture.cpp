@@ -1,0 +1,164 @@
+#include "tests/session/session_fixture.h"
+
+#include <algorithm>
+
+#include "ble/virtual/virtual_stack.h"
+
+namespace orv::test {
+
+using namespace std::chrono_literals;
+
+void UiRecorder::Add(std::string event) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    events_.push_back(std::move(event));
+}
+void UiRecorder::OnOrvE6ConnectionChanged(bool connected) {
+    Add(connected ? "e6:1" : "e6:0");
+}
+void UiRecorder::OnOrvOrvaneConnectionChanged(int state) { Add("ble:" + std::to_string(state)); }
+void UiRecorder::OnOrvOrvaneBatteryState(int percent) {
+    Add("battery:" + std::to_string(percent));
+}
+void UiRecorder::OnOrvShot() { Add("shot"); }
+void UiRecorder::OnOrvReady() { Add("ready"); }
+std::vector<std::string> UiRecorder::Events() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return events_;
+}
+bool UiRecorder::Saw(const std::string& event) const { return Count(event) > 0; }
+int UiRecorder::Count(const std::string& event) const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return static_cast<int>(std::count(events_.begin(), events_.end(), event));
+}
+void UiRecorder::Clear() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    events_.clear();
+}
+
+void RecordingProbe::Add(std::string call) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    calls_.push_back(std::move(call));
+}
+bool RecordingProbe::StartRecording() {
+    Add("start");
+    return true;
+}
+void RecordingProbe::StopRecording(int delaySeconds) { Add("stop:" + std::to_string(delaySeconds)); }
+void RecordingProbe::ShowRecordingFile() { Add("show"); }
+void RecordingProbe::ClosePlayer() { Add("close"); }
+std::vector<std::string> RecordingProbe::Calls() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return calls_;
+}
+int RecordingProbe::Count(const std::string& call) const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return static_cast<int>(std::count(calls_.begin(), calls_.end(), call));
+}
+
+Orvane::SessionTiming FastSessionTiming() {
+    Orvane::SessionTiming timing;
+    timing.connCheckInterval = 50ms;
+    timing.freshLinkLimit = 300ms;
+    timing.aliveLinkLimit = 1000ms;
+    timing.pingInterval = 60000ms;  // tests that want pings shorten it themselves
+    timing.lrSigDebounce = 100ms;
+    timing.backSwingWait = 50ms;
+    return timing;
+}
+
+SwingValues DriverSwing(double distance) {
+    SwingValues swing;
+    swing.headSpeed = 94.5;
+    swing.clubPath = -2.3;
+    swing.faceAngle = 1.4;
+    swing.tempo = 3.1;
+    swing.distance = distance;
+    swing.sensorSpeed = 30.0;
+    return swing;
+}
+
+void SessionTest::SetUp() {
+    VirtualSensorTiming sensorTiming;
+    sensorTiming.answerDelay = 1ms;
+    sensorTiming.stepGap = 20ms;
+    sensor = std::make_shared<VirtualSensor>("orvane-demo", sensorTiming);
+    StartEmulator();
+    config.makeBleStack = [this] {
+        VirtualPeripheral peripheral;
+        peripheral.address = 0xC0DE5E450001;
+        peripheral.name = sensor->Name();
+        peripheral.sensor = sensor;
+        VirtualStackTiming stackTiming;
+        stackTiming.connect = 5ms;
+        auto stack = std::make_unique<VirtualStack>(stackTiming);
+        stack->AddPeripheral(peripheral);
+        return std::unique_ptr<BleStack>(std::move(stack));
+    };
+    config.simulatorAddress = "127.0.0.1";
+    config.simulatorPort = port;
+    config.timing = FastSessionTiming();
+    config.gattTiming.tick = 50ms;
+    config.gattTiming.discovery = 100ms;
+    config.e6Timing.reconnectPause = 100ms;
+}
+
+void SessionTest::TearDown() {
+    if (manager) {
+        manager->Stop();
+        manager.reset();
+    }
+    if (emulator) {
+        emulator->Stop();
+    }
+}
+
+void SessionTest::StartEmulator() {
+    orv::TruSimEmulatorOptions options;
+    options.bindAddress = "127.0.0.1";
+    options.port = port;
+    options.rearmDelay = 100ms;
+    emulator = std::make_unique<orv::TruSimEmulator>(options);
+    ASSERT_TRUE(emulator->Start());
+    port = emulator->Port();
+}
+
+void SessionTest::StartManager() {
+    manager = std::make_unique<Orvane::OrvManager>();
+    config.simulatorPort = port;
+    manager->SetConfig(config);
+    manager->SetCallback(&ui);
+    manager->SetRecordingControl(&recording);
+    manager->Start();
+}
+
+bool SessionTest::WaitReady() {
+    return Eventually([&] {
+        E6TruSimClient* client = manager->GetE6();
+        return ui.Saw("ble:3") && client != nullptr && client->IsAuthenticated() &&
+               client->GetArmState() == 0 && client->GetCurrentClub() != 0 &&
+               manager->GetState().hands.load() != 0;
+    });
+}
+
+std::vector<SensorFrame> SessionTest::WrittenWithCode(uint8_t code) const {
+    std::vector<SensorFrame> frames;
+    for (const SensorFrame& frame : sensor->WrittenFrames()) {
+        if (!frame.empty() && frame[0] == code) {
+            frames.push_back(frame);
+        }
+    }
+    return frames;
+}
+
+std::vector<std::string> SessionTest::ReceivedOfType(const std::string& type) const {
+    std::vector<std::string> texts;
+    const std::string key = "\"Type\":\"" + type + "\"";
+    for (const std::string& text : emulator->Received()) {
+        if (text.find(key) != std::string::npos) {
+            texts.push_back(text);
+        }
+    }
+    return texts;
+}
+
+}  // namespace orv::test

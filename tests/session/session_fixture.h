@@ -1,0 +1,87 @@
+// A whole session in one process: the manager with the in-process sensor and
+// the stand-in simulator on real loopback TCP, with short intervals.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "ble/virtual/sensor_frames.h"
+#include "ble/virtual/virtual_sensor.h"
+#include "session/orv_manager.h"
+#include "tests/support/test_support.h"
+#include "tools/trusim-emulator/trusim_emulator.h"
+
+namespace orv::test {
+
+// Records the session's UI callbacks.
+class UiRecorder : public Orvane::OrvManagerCallback {
+public:
+    void OnOrvE6ConnectionChanged(bool connected) override;
+    void OnOrvOrvaneConnectionChanged(int state) override;
+    void OnOrvOrvaneBatteryState(int percent) override;
+    void OnOrvShot() override;
+    void OnOrvReady() override;
+
+    std::vector<std::string> Events() const;
+    bool Saw(const std::string& event) const;
+    int Count(const std::string& event) const;
+    void Clear();
+
+private:
+    void Add(std::string event);
+    mutable std::mutex mutex_;  // guards events_
+    std::vector<std::string> events_;
+};
+
+// Stands in for the camera side: counts what the session asks of it.
+class RecordingProbe : public Orvane::RecordingControl {
+public:
+    bool StartRecording() override;
+    void StopRecording(int delaySeconds) override;
+    void ShowRecordingFile() override;
+    void ClosePlayer() override;
+    bool IsRecordingAvailable() const override { return true; }
+
+    std::vector<std::string> Calls() const;
+    int Count(const std::string& call) const;
+
+private:
+    void Add(std::string call);
+    mutable std::mutex mutex_;  // guards calls_
+    std::vector<std::string> calls_;
+};
+
+Orvane::SessionTiming FastSessionTiming();
+
+class SessionTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The simulator's port stays the same across its restarts.
+    void StartEmulator();
+    void StartManager();
+    // Sensor connected (firmware answered) and simulator authenticated and armed.
+    bool WaitReady();
+    // Frames the sensor received since the last clear, with `code` first.
+    std::vector<SensorFrame> WrittenWithCode(uint8_t code) const;
+    // The simulator's messages of the given "Type".
+    std::vector<std::string> ReceivedOfType(const std::string& type) const;
+
+    std::shared_ptr<VirtualSensor> sensor;
+    std::unique_ptr<orv::TruSimEmulator> emulator;
+    int port = 0;
+    Orvane::OrvManagerConfig config;
+    UiRecorder ui;
+    RecordingProbe recording;
+    std::unique_ptr<Orvane::OrvManager> manager;
+};
+
+// A driver swing in the sensor's units.
+SwingValues DriverSwing(double distance = 150.0);
+
+}  // namespace orv::test
