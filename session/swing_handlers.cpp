@@ -187,6 +187,9 @@ void OrvManager::HandleSimRaw(const OrvDataSimRawModel& record) {
             StartRecording();
         } else if (step == 3) {
             LOG_INFO("Enter Backswing.\n");
+            // Stored before the time-out starts: its first pass would take the
+            // address step still held from step 2 for a new swing and cancel.
+            state->stepState = step;
             RecordingControl* rec = recording.load();
             if (rec != nullptr && rec->IsRecordingAvailable()) {
                 StartBackSwingTimeoutThread();

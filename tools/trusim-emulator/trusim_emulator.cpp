@@ -326,7 +326,9 @@ void TruSimEmulator::TimerLoop() {
             }
         }
         if (next->due > Clock::now()) {
-            changed_.wait_until(lock, next->due);
+            // A copy: other threads add tasks while this one waits.
+            const Clock::time_point due = next->due;
+            changed_.wait_until(lock, due);
             continue;
         }
         Task task = std::move(*next);

@@ -1,0 +1,156 @@
+// The main window under a private X display, with the session on the
+// in-process sensor and the stand-in simulator.
+#include "app/main_dlg.h"
+
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <fstream>
+#include <sstream>
+
+#include "common/settings.h"
+#include "common/string_res.h"
+#include "tests/session/session_fixture.h"
+#include "tests/ui/gui_test_app.h"
+#include "ui/orvane_ui_control.h"
+#include "ui/radio_group.h"
+#include "ui/shot_panel.h"
+#include "ui/status_label.h"
+#include "ui/ui_theme.h"
+
+namespace orv::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class MainDlgTest : public SessionTest {
+protected:
+    void SetUp() override {
+        GuiTestApp();
+        SessionTest::SetUp();
+        LoadLanguageModule(1033);
+        std::ofstream(folder.path() / "settings.ini")
+            << "; kept across saves\n[Golf]\nSwingLevel=2\nSwingSensitivity=0\nClubType=1\n"
+               "HideShotResult=1\n[Sound]\nEffect=0\n[Camera]\nShowPreview=0\nRecording=1\n";
+        OrvSettings::GetInstanceIn(folder.path());
+        options.checkVersion = false;
+        options.session = config;
+        options.session.simulatorPort = port;
+    }
+    void TearDown() override {
+        dialog.reset();
+        Orvane::OrvManager::ReleaseInstance();
+        OrvSettings::ReleaseInstance();
+        SessionTest::TearDown();
+    }
+    void Open() {
+        dialog = std::make_unique<CMainDlg>(options);
+        dialog->OnInitDialog();
+        dialog->show();
+    }
+    OrvaneWinUI::OrvaneUIControl& Control() { return *dialog->GetControl(); }
+
+    TempDir folder;
+    MainDlgOptions options;
+    std::unique_ptr<CMainDlg> dialog;
+};
+
+TEST_F(MainDlgTest, OpensWithTheSettingsAndShowsTheLinksAndShots) {
+    Open();
+    EXPECT_EQ(dialog->size(), QSize(1040, 680));
+    EXPECT_EQ(dialog->windowTitle(), "OrvaneWin");
+    EXPECT_EQ(Control().radioGroupSwingLv->SelectedIndex(), 2);
+    EXPECT_EQ(Control().radioGroupSwingSens->SelectedIndex(), 0);
+    EXPECT_EQ(Control().radioGroupClub->SelectedIndex(), 1);
+    EXPECT_EQ(Control().radioGroupEffect->SelectedIndex(), 1);
+    EXPECT_EQ(Control().radioGroupShowShotResult->SelectedIndex(), 1);
+    EXPECT_EQ(Control().radioGroupCameraPreview->SelectedIndex(), 1);
+    EXPECT_EQ(Control().radioGroupSwingRecord->SelectedIndex(), 0);
+
+    const QString simulatorUp = QString::fromStdString(GetStringRes(176));
+    const QString sensorUp = QString::fromStdString(GetStringRes(163));
+    ASSERT_TRUE(ProcessEventsUntil([&] {
+        return Control().lbE6Conn->text() == simulatorUp &&
+               Control().lbOrvaneConn->text() == sensorUp;
+    }));
+    EXPECT_EQ(Control().lbE6Conn->TextColor(), OrvaneWinUI::kConnectedColor);
+    EXPECT_EQ(Control().lbOrvaneConn->TextColor(), OrvaneWinUI::kConnectedColor);
+    EXPECT_EQ(Control().lbFwVer->text(), "1.2.0");
+
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(ProcessEventsUntil([&] { return Control().shotPanel->HasShot(); }));
+    EXPECT_EQ(Control().shotPanel->ClubText(), "Driver");
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+
+    // The simulator going away shows at once.
+    emulator->Stop();
+    ASSERT_TRUE(ProcessEventsUntil([&] {
+        return Control().lbE6Conn->text() == QString::fromStdString(GetStringRes(177));
+    }));
+    EXPECT_EQ(Control().lbE6Conn->TextColor(), OrvaneWinUI::kDisconnectedColor);
+
+    dialog->grab().save(QStringLiteral(ORVANE_SCREENSHOT_DIR "/main-window.png"));
+}
+
+TEST_F(MainDlgTest, EnterAndEscapeNeverCloseAndSaveWritesTheFile) {
+    Open();
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        QTest::keyClick(dialog.get(), static_cast<Qt::Key>(key));
+        QTest::keyClick(Control().btnSave, static_cast<Qt::Key>(key));
+    }
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(dialog->isVisible());
+
+    Control().radioGroupSwingLv->Choice(0)->click();
+    Control().radioGroupCameraPreview->Choice(0)->click();
+    {
+        MessageBoxAnswerer answer(QMessageBox::Ok);
+        Control().btnSave->click();
+        EXPECT_TRUE(answer.seen().seen);
+        EXPECT_EQ(answer.seen().text, QString::fromStdString(GetStringRes(166)));
+    }
+    const std::string saved = ReadFile(folder.path() / "settings.ini");
+    EXPECT_NE(saved.find("SwingLevel = 0"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("ShowPreview = 1"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("; kept across saves"), std::string::npos) << saved;
+}
+
+TEST_F(MainDlgTest, CancelKeepsRunningAndOkTearsDownInOrder) {
+    Open();
+    ASSERT_TRUE(ProcessEventsUntil(
+        [&] { return Control().lbOrvaneConn->text() == QString::fromStdString(GetStringRes(163)); }));
+    {
+        MessageBoxAnswerer answer(QMessageBox::Cancel);
+        dialog->close();
+        EXPECT_TRUE(answer.seen().seen);
+        EXPECT_EQ(answer.seen().text, QString::fromStdString(GetStringRes(167)));
+    }
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(dialog->isVisible());
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+
+    bool done = false;
+    QObject::connect(dialog.get(), &CMainDlg::ExitDone, [&] { done = true; });
+    {
+        MessageBoxAnswerer answer(QMessageBox::Ok);
+        dialog->close();
+        EXPECT_TRUE(Control().IsWaitingDlgShown());
+    }
+    ASSERT_TRUE(ProcessEventsUntil([&] { return done; }));
+    EXPECT_FALSE(Control().IsWaitingDlgShown());
+    EXPECT_FALSE(dialog->isVisible());
+    // The session let go of both links when it was released.
+    EXPECT_TRUE(emulator->WaitForClientGone(5s));
+}
+
+}  // namespace
+}  // namespace orv::test
