@@ -17,7 +17,9 @@ GstDeviceMonitor* CameraMonitor() {
 
 }  // namespace
 
-EnumCameraDevice::~EnumCameraDevice() { Clear(); }
+EnumCameraDevice::~EnumCameraDevice() {
+    Clear();
+}
 
 void EnumCameraDevice::Clear() {
     for (GstDevice* device : m_ppDevices) {

@@ -99,10 +99,10 @@ GstElement* CameraSource::CreateElement() const {
     if (!device_) {
         g_object_set(src, "is-live", TRUE, nullptr);
     }
-    GstCaps* caps = gst_caps_new_simple(compressed_ ? "image/jpeg" : "video/x-raw", "width",
-                                        G_TYPE_INT, mode_.width, "height", G_TYPE_INT, mode_.height,
-                                        "framerate", GST_TYPE_FRACTION, mode_.fpsNum, mode_.fpsDen,
-                                        nullptr);
+    GstCaps* caps =
+        gst_caps_new_simple(compressed_ ? "image/jpeg" : "video/x-raw", "width", G_TYPE_INT,
+                            mode_.width, "height", G_TYPE_INT, mode_.height, "framerate",
+                            GST_TYPE_FRACTION, mode_.fpsNum, mode_.fpsDen, nullptr);
     if (!format_.empty()) {
         gst_caps_set_simple(caps, "format", G_TYPE_STRING, format_.c_str(), nullptr);
     }

@@ -8,7 +8,9 @@
 
 IdleInhibitor::IdleInhibitor(std::string busAddress) : busAddress_(std::move(busAddress)) {}
 
-IdleInhibitor::~IdleInhibitor() { Release(); }
+IdleInhibitor::~IdleInhibitor() {
+    Release();
+}
 
 bool IdleInhibitor::Acquire(const std::string& why) {
     if (fd_ >= 0) {
@@ -19,13 +21,12 @@ bool IdleInhibitor::Acquire(const std::string& why) {
         auto connection = busAddress_.empty()
                               ? sdbus::createSystemBusConnection()
                               : sdbus::createSessionBusConnectionWithAddress(busAddress_);
-        auto proxy = sdbus::createProxy(*connection, "org.freedesktop.login1",
-                                        "/org/freedesktop/login1");
+        auto proxy =
+            sdbus::createProxy(*connection, "org.freedesktop.login1", "/org/freedesktop/login1");
         sdbus::UnixFd lock;
         proxy->callMethod("Inhibit")
             .onInterface("org.freedesktop.login1.Manager")
-            .withArguments(std::string("idle"), std::string("Orvane X"), why,
-                           std::string("block"))
+            .withArguments(std::string("idle"), std::string("Orvane X"), why, std::string("block"))
             .storeResultsTo(lock);
         fd_ = lock.release();
     } catch (const sdbus::Error& error) {

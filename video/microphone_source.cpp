@@ -45,4 +45,6 @@ MicrophoneSource MicrophoneSource::Resolve(const std::string& defaultMicrophone)
         defaultMicrophone);
 }
 
-GstElement* MicrophoneSource::CreateElement() const { return factory_ ? factory_() : nullptr; }
+GstElement* MicrophoneSource::CreateElement() const {
+    return factory_ ? factory_() : nullptr;
+}

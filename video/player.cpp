@@ -37,7 +37,9 @@ HRESULT CPlayer::CreateInstance(WindowHandle videoWindow, FrameSize videoSize, E
     return S_OK;
 }
 
-CPlayer::~CPlayer() { ShutdownSession(); }
+CPlayer::~CPlayer() {
+    ShutdownSession();
+}
 
 HRESULT CPlayer::CreateSession() {
     m_pMediaSession = MakeElement("playbin", "player");
@@ -46,9 +48,7 @@ HRESULT CPlayer::CreateSession() {
     }
     gst_object_ref_sink(m_pMediaSession);
     g_object_set(m_pMediaSession, "flags", kPlayVideoOnly, nullptr);
-    {
-        std::lock_guard publish(posterMutex_);
-    }
+    { std::lock_guard publish(posterMutex_); }
     GstPtr<GstBus> bus(gst_element_get_bus(m_pMediaSession));
     gst_bus_set_sync_handler(bus.get(), OnBusMessage, this, nullptr);
     return S_OK;
@@ -143,7 +143,9 @@ HRESULT CPlayer::HandleEvent(const PlayerEvent& event) {
     }
 }
 
-HRESULT CPlayer::OnTopologyReady() { return Play(); }
+HRESULT CPlayer::OnTopologyReady() {
+    return Play();
+}
 
 HRESULT CPlayer::OnEndOfPresentation() {
     m_nState = PlayerState::Stopped;
@@ -173,10 +175,10 @@ HRESULT CPlayer::SetPlaybackRate(float rate) {
     }
     // A flushing seek from where playback stands; the instant-rate flag ends
     // clips early.
-    const bool applied = gst_element_seek(
-        m_pMediaSession, rate, GST_FORMAT_TIME,
-        static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE), GST_SEEK_TYPE_SET,
-        position, GST_SEEK_TYPE_NONE, GST_CLOCK_TIME_NONE);
+    const bool applied =
+        gst_element_seek(m_pMediaSession, rate, GST_FORMAT_TIME,
+                         static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE),
+                         GST_SEEK_TYPE_SET, position, GST_SEEK_TYPE_NONE, GST_CLOCK_TIME_NONE);
     // There is no query for the nearest supported rate: what the seek gave.
     const float nearest = applied ? rate : 1.0f;
     LOG_INFO("Rate Control nearest rate(%f): %f\n", rate, nearest);

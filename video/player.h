@@ -49,8 +49,8 @@ public:
 
     // `videoSize` is the window's size: the picture is scaled into it with
     // black borders.
-    static HRESULT CreateInstance(WindowHandle videoWindow, FrameSize videoSize,
-                                  EventPoster poster, std::unique_ptr<CPlayer>* player);
+    static HRESULT CreateInstance(WindowHandle videoWindow, FrameSize videoSize, EventPoster poster,
+                                  std::unique_ptr<CPlayer>* player);
     ~CPlayer();
     CPlayer(const CPlayer&) = delete;
     CPlayer& operator=(const CPlayer&) = delete;

@@ -38,7 +38,9 @@ void PlayerWnd::ReleaseInstance() {
     }
 }
 
-PlayerWnd::PlayerWnd() { LOG_INFO("PlayerWnd()\n"); }
+PlayerWnd::PlayerWnd() {
+    LOG_INFO("PlayerWnd()\n");
+}
 
 PlayerWnd::~PlayerWnd() {
     LOG_INFO("~PlayerWnd()\n");
@@ -46,7 +48,9 @@ PlayerWnd::~PlayerWnd() {
     delete m_hWnd;
 }
 
-QWidget* PlayerWnd::Window() const { return m_hWnd; }
+QWidget* PlayerWnd::Window() const {
+    return m_hWnd;
+}
 
 bool PlayerWnd::SetWindowInstance(QWidget* owner) {
     bool made = false;
@@ -83,8 +87,7 @@ bool PlayerWnd::CreateOnUiThread() {
     VideoWindow* window = m_hWnd;
     auto poster = [this, window, serial](const PlayerEvent& event) {
         QMetaObject::invokeMethod(
-            window, [this, serial, event] { OnPlayerEvent(serial, event); },
-            Qt::QueuedConnection);
+            window, [this, serial, event] { OnPlayerEvent(serial, event); }, Qt::QueuedConnection);
     };
     CPlayer::CreateInstance(m_hWnd->VideoHandle(), kPlayerWindowSize, poster, &m_pPlayer);
     return m_pPlayer != nullptr;
@@ -103,7 +106,8 @@ bool PlayerWnd::OpenOnUiThread(const std::string& path) {
     m_hWnd->SetVideoVisible(true);
     if (!m_hWnd->isVisible()) {
         const QScreen* screen = QGuiApplication::primaryScreen();
-        m_hWnd->setGeometry(PlayerPlacement(screen != nullptr ? screen->geometry().size() : QSize()));
+        m_hWnd->setGeometry(
+            PlayerPlacement(screen != nullptr ? screen->geometry().size() : QSize()));
         m_hWnd->show();
     }
     return true;

@@ -7,7 +7,9 @@
 
 PreviewPipeline::PreviewPipeline(Callbacks callbacks) : callbacks_(std::move(callbacks)) {}
 
-PreviewPipeline::~PreviewPipeline() { Stop(); }
+PreviewPipeline::~PreviewPipeline() {
+    Stop();
+}
 
 HRESULT PreviewPipeline::Create(const CameraSource& camera) {
     if (!EnsureGStreamer()) {
@@ -49,8 +51,8 @@ GstElement* PreviewPipeline::MakeTap() {
     if (tap == nullptr) {
         return nullptr;
     }
-    g_object_set(tap, "sync", FALSE, "max-buffers", 2u, "drop", TRUE, "emit-signals", TRUE,
-                 "async", FALSE, nullptr);
+    g_object_set(tap, "sync", FALSE, "max-buffers", 2u, "drop", TRUE, "emit-signals", TRUE, "async",
+                 FALSE, nullptr);
     g_signal_connect(tap, "new-sample", G_CALLBACK(OnTapSample), this);
     return tap;
 }

@@ -19,7 +19,9 @@ PreviewWnd::~PreviewWnd() {
     delete m_hWnd;
 }
 
-QWidget* PreviewWnd::Window() const { return m_hWnd; }
+QWidget* PreviewWnd::Window() const {
+    return m_hWnd;
+}
 
 void PreviewWnd::ReleaseCaptureManager() {
     if (m_pCaptureManager) {

@@ -27,7 +27,9 @@ void Discard(std::initializer_list<GstElement*> elements) {
 RecordingPipeline::RecordingPipeline(std::string path, RecordingFormat format, Callbacks callbacks)
     : path_(std::move(path)), format_(format), callbacks_(std::move(callbacks)) {}
 
-RecordingPipeline::~RecordingPipeline() { Teardown(); }
+RecordingPipeline::~RecordingPipeline() {
+    Teardown();
+}
 
 HRESULT RecordingPipeline::Start(const MicrophoneSource& microphone,
                                  std::chrono::milliseconds firstAudioWait) {
@@ -84,7 +86,8 @@ HRESULT RecordingPipeline::Build(const MicrophoneSource* microphone) {
     }
     if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
         std::lock_guard lock(mutex_);
-        LOG_ERROR("StartRecord error:0x%x\n", static_cast<unsigned>(Failed(result_) ? result_ : E_FAIL));
+        LOG_ERROR("StartRecord error:0x%x\n",
+                  static_cast<unsigned>(Failed(result_) ? result_ : E_FAIL));
         return Failed(result_) ? result_ : E_FAIL;
     }
     return S_OK;
@@ -99,14 +102,14 @@ bool RecordingPipeline::BuildVideoBranch(GstElement* mux) {
         Discard({source, queue, encoder, parser});
         return false;
     }
-    g_object_set(source, "is-live", TRUE, "format", GST_FORMAT_TIME, "block", FALSE,
-                 "max-bytes", G_GUINT64_CONSTANT(0), "max-buffers", static_cast<guint64>(kMaxQueuedFrames),
+    g_object_set(source, "is-live", TRUE, "format", GST_FORMAT_TIME, "block", FALSE, "max-bytes",
+                 G_GUINT64_CONSTANT(0), "max-buffers", static_cast<guint64>(kMaxQueuedFrames),
                  "leaky-type", GST_APP_LEAKY_TYPE_DOWNSTREAM, nullptr);
     const CameraMode& camera = format_.camera;
     // A key frame every second, so that every fragment starts with one.
     const guint gop = camera.fpsDen > 0 ? std::max(1, camera.fpsNum / camera.fpsDen) : 30;
-    g_object_set(encoder, "bitrate", static_cast<guint>(GetEncodingBitrate(camera)),
-                 "rate-control", 1 /* bitrate */, "gop-size", gop, nullptr);
+    g_object_set(encoder, "bitrate", static_cast<guint>(GetEncodingBitrate(camera)), "rate-control",
+                 1 /* bitrate */, "gop-size", gop, nullptr);
     if (!AddAndLink(GST_BIN(pipeline_), {source, queue, encoder, parser}) ||
         !gst_element_link(parser, mux)) {
         return false;

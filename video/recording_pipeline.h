@@ -18,8 +18,8 @@
 #include "video/result_codes.h"
 
 struct RecordingFormat {
-    FrameSize size;       // of the frames handed over
-    CameraMode camera;    // the camera's own mode: frame rate and bit rate
+    FrameSize size;     // of the frames handed over
+    CameraMode camera;  // the camera's own mode: frame rate and bit rate
 };
 
 class RecordingPipeline {
@@ -47,7 +47,8 @@ public:
     // Waits for the first encoded frame (a file without one is unplayable),
     // ends the streams and waits for the file to be finalised. Returns the
     // recording's result.
-    HRESULT Finish(std::chrono::milliseconds firstFrameWait, std::chrono::milliseconds finalizeWait);
+    HRESULT Finish(std::chrono::milliseconds firstFrameWait,
+                   std::chrono::milliseconds finalizeWait);
 
     bool HasAudio() const { return microphone_ != nullptr; }
     // A failure already reported through the callback.
@@ -77,8 +78,8 @@ private:
     // Guards everything below, written by streaming threads and callers.
     std::mutex mutex_;
     std::condition_variable changed_;
-    bool started_ = false;   // Start() succeeded: failures go to the callback
-    bool closing_ = false;   // Finish() began: no more frames, no more callbacks
+    bool started_ = false;  // Start() succeeded: failures go to the callback
+    bool closing_ = false;  // Finish() began: no more frames, no more callbacks
     bool capsSet_ = false;
     bool firstFrame_ = false;
     bool audioSeen_ = false;

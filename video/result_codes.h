@@ -25,5 +25,9 @@ constexpr HRESULT MF_E_INVALIDTYPE = static_cast<HRESULT>(0xC00D36BD);
 // The machine has no camera; reported at initialisation, not an error there.
 constexpr HRESULT MF_E_NO_CAPTURE_DEVICES_AVAILABLE = static_cast<HRESULT>(0xC00DABE0);
 
-constexpr bool Succeeded(HRESULT hr) { return hr >= 0; }
-constexpr bool Failed(HRESULT hr) { return hr < 0; }
+constexpr bool Succeeded(HRESULT hr) {
+    return hr >= 0;
+}
+constexpr bool Failed(HRESULT hr) {
+    return hr < 0;
+}

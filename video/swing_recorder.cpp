@@ -24,7 +24,9 @@ constexpr const char* kShowTag = "Orvane::OrvManager::ShowRecordingFile";
 
 SwingRecorder::SwingRecorder(std::filesystem::path folder, CaptureManager* capture,
                              std::function<bool()> recordingEnabled)
-    : folder_(std::move(folder)), capture_(capture), recordingEnabled_(std::move(recordingEnabled)) {}
+    : folder_(std::move(folder)),
+      capture_(capture),
+      recordingEnabled_(std::move(recordingEnabled)) {}
 
 SwingRecorder::~SwingRecorder() {
     {
@@ -147,7 +149,9 @@ void SwingRecorder::ShowRecordingFile() {
     }
 }
 
-void SwingRecorder::ClosePlayer() { PlayerWnd::GetInstance()->Close(); }
+void SwingRecorder::ClosePlayer() {
+    PlayerWnd::GetInstance()->Close();
+}
 
 std::string SwingRecorder::LastRecordingFile() {
     std::lock_guard lock(mutex_);

@@ -2,7 +2,9 @@
 
 TaskThread::TaskThread() : thread_([this] { Run(); }) {}
 
-TaskThread::~TaskThread() { Stop(); }
+TaskThread::~TaskThread() {
+    Stop();
+}
 
 void TaskThread::Post(std::function<void()> task) {
     {

@@ -43,7 +43,9 @@ WindowHandle VideoWindow::VideoHandle() {
     return handle;
 }
 
-void VideoWindow::SetVideoVisible(bool visible) { area_->setVisible(visible); }
+void VideoWindow::SetVideoVisible(bool visible) {
+    area_->setVisible(visible);
+}
 
 void VideoWindow::SetRepaintHandler(std::function<void()> handler) {
     area_->onExpose = std::move(handler);
@@ -54,7 +56,9 @@ void VideoWindow::paintEvent(QPaintEvent* event) {
     painter.fillRect(event->rect(), Qt::black);
 }
 
-void VideoWindow::resizeEvent(QResizeEvent*) { area_->setGeometry(rect()); }
+void VideoWindow::resizeEvent(QResizeEvent*) {
+    area_->setGeometry(rect());
+}
 
 void VideoWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) {
@@ -74,4 +78,6 @@ void VideoWindow::mouseMoveEvent(QMouseEvent* event) {
     }
 }
 
-void VideoWindow::mouseReleaseEvent(QMouseEvent*) { dragging_ = false; }
+void VideoWindow::mouseReleaseEvent(QMouseEvent*) {
+    dragging_ = false;
+}

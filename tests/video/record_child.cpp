@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <thread>
 
-#include "video/preview_wnd.h"
 #include "tests/video/video_test_support.h"
+#include "video/preview_wnd.h"
 
 int main(int argc, char** argv) {
     if (argc < 2) {

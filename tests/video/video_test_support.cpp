@@ -12,6 +12,7 @@
 #include <memory>
 #include <thread>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include "tests/support/test_support.h"
@@ -44,7 +45,11 @@ private:
 
 }  // namespace
 
-void UseGuiEnvironment() { ::testing::AddGlobalTestEnvironment(new GuiEnvironment); }
+void UseGuiEnvironment() {
+    // Several test files of one program ask for it; one display is enough.
+    static const bool registered = (::testing::AddGlobalTestEnvironment(new GuiEnvironment), true);
+    (void)registered;
+}
 
 bool PumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {
     return Eventually(
@@ -91,7 +96,8 @@ ClipInfo Discover(const std::string& path) {
         gst_discoverer_stream_info_list_free(videos);
         GList* audios = gst_discoverer_info_get_audio_streams(info);
         if (audios != nullptr) {
-            GstCaps* caps = gst_discoverer_stream_info_get_caps(GST_DISCOVERER_STREAM_INFO(audios->data));
+            GstCaps* caps =
+                gst_discoverer_stream_info_get_caps(GST_DISCOVERER_STREAM_INFO(audios->data));
             clip.audioCaps = gst_structure_get_name(gst_caps_get_structure(caps, 0));
             gst_caps_unref(caps);
         }
@@ -162,6 +168,41 @@ DecodeResult DecodeVideo(const std::string& path) {
     return result;
 }
 
+namespace {
+
+// Runs a pipeline description to its end.
+bool RunToEnd(const std::string& description) {
+    GstElement* pipeline = gst_parse_launch(description.c_str(), nullptr);
+    if (pipeline == nullptr) {
+        return false;
+    }
+    gst_element_set_state(pipeline, GST_STATE_PLAYING);
+    GstBus* bus = gst_element_get_bus(pipeline);
+    GstMessage* message = gst_bus_timed_pop_filtered(
+        bus, 20 * GST_SECOND, static_cast<GstMessageType>(GST_MESSAGE_EOS | GST_MESSAGE_ERROR));
+    const bool ok = message != nullptr && GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS;
+    if (message != nullptr) {
+        gst_message_unref(message);
+    }
+    gst_object_unref(bus);
+    gst_element_set_state(pipeline, GST_STATE_NULL);
+    gst_object_unref(pipeline);
+    return ok;
+}
+
+}  // namespace
+
+bool MakeClip(const std::string& path, double seconds) {
+    gchar* escaped = g_strescape(path.c_str(), nullptr);
+    const std::string description =
+        "videotestsrc num-buffers=" + std::to_string(static_cast<int>(seconds * 30)) +
+        " ! video/x-raw,format=I420,width=320,height=240,framerate=30/1 ! openh264enc ! "
+        "h264parse ! mp4mux ! filesink location=\"" +
+        std::string(escaped) + "\"";
+    g_free(escaped);
+    return RunToEnd(description);
+}
+
 bool AllBlack(const QImage& image) {
     const QImage rgb = image.convertToFormat(QImage::Format_RGB32);
     for (int y = 0; y < rgb.height(); ++y) {
@@ -183,7 +224,8 @@ QImage GrabScreen(const QWidget* window) {
 
 int ThreadCount() {
     int count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/task")) {
         ++count;
     }
     return count;
@@ -191,13 +233,15 @@ int ThreadCount() {
 
 int OpenFdCount() {
     int count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/fd")) {
         ++count;
     }
     return count;
 }
 
 long ResidentKilobytes() {
+    malloc_trim(0);  // freed memory is not counted
     std::ifstream statm("/proc/self/statm");
     long size = 0;
     long resident = 0;

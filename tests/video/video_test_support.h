@@ -13,7 +13,8 @@
 
 namespace orv::test {
 
-// Registers the environment; call from a static initialiser of the test file.
+// Registers the environment (once per program); call from a static
+// initialiser of each test file that needs it.
 void UseGuiEnvironment();
 
 // Polls `condition` while the GUI thread handles its events.
@@ -45,6 +46,10 @@ struct DecodeResult {
 // Demuxes and decodes the whole video track.
 DecodeResult DecodeVideo(const std::string& path);
 
+// Encodes `seconds` of the test pattern at 320x240, 30/1, into an MP4 file
+// (faster than real time: for tests of playback).
+bool MakeClip(const std::string& path, double seconds);
+
 // True when every pixel is black.
 bool AllBlack(const QImage& image);
 // A screenshot of a window as the X server shows it.
@@ -52,6 +57,7 @@ QImage GrabScreen(const QWidget* window);
 
 int ThreadCount();
 int OpenFdCount();
+// Memory in use, after returning what is free to the system.
 long ResidentKilobytes();
 // Shared libraries mapped into this process whose path contains `part`.
 bool LibraryLoaded(const std::string& part);
