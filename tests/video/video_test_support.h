@@ -56,6 +56,7 @@ bool AllBlack(const QImage& image);
 QImage GrabScreen(const QWidget* window);
 
 int ThreadCount();
+std::string ThreadNames();  // for failure messages
 int OpenFdCount();
 // Memory in use, after returning what is free to the system.
 long ResidentKilobytes();
