@@ -1,0 +1,292 @@
+// The capture manager with a live test pattern for a camera, drawing into a
+// real window on a private X server and recording real files.
+#include "video/capture_manager.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "common/debug_log.h"
+#include "tests/support/test_support.h"
+#include "tests/video/video_test_support.h"
+#include "video/preview_wnd.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using orv::test::CountOf;
+using orv::test::PumpFor;
+using orv::test::PumpUntil;
+
+const bool kGui = (orv::test::UseGuiEnvironment(), true);
+
+struct CaptureTest : ::testing::Test {
+    CaptureTest() { ShowLog(true, false); }
+    ~CaptureTest() override { ShowLog(false, false); }
+
+    // A shown preview of the test pattern.
+    std::unique_ptr<PreviewWnd> StartPreview(CaptureSources sources = orv::test::TestSources(),
+                                             CaptureTiming timing = {}) {
+        auto preview = std::make_unique<PreviewWnd>(std::move(sources), timing);
+        EXPECT_TRUE(preview->Create(nullptr));
+        EXPECT_TRUE(preview->StartPreview(kShowWindow));
+        EXPECT_TRUE(PumpUntil([&] { return preview->GetCaptureManager()->IsPreviewActive(); }));
+        return preview;
+    }
+
+    std::string Clip(const std::string& name) const { return (dir.path() / name).string(); }
+
+    orv::test::TempDir dir;
+};
+
+TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindow) {
+    orv::test::StdoutCapture out;
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    ASSERT_TRUE(PumpUntil([&] { return capture->PreviewFrames() > 5; }));
+    const QImage shot = orv::test::GrabScreen(preview->Window());
+    EXPECT_EQ(shot.size(), QSize(320, 240));
+    EXPECT_FALSE(orv::test::AllBlack(shot));
+    // The test pattern's bars, left white-grey to right blue, unstretched.
+    const QColor left = shot.pixelColor(20, 60);
+    const QColor right = shot.pixelColor(300, 60);
+    EXPECT_GT(left.red(), 150);
+    EXPECT_GT(left.blue(), 150);
+    EXPECT_LT(right.red(), 60);
+    EXPECT_GT(right.blue(), 150);
+    // 640x480 scaled to 320 wide keeps the aspect ratio.
+    EXPECT_EQ(preview->Window()->geometry(), QRect(1280 - 320 - 10, 1024 / 2 + 10, 320, 240));
+    EXPECT_EQ(capture->StartPreview(), S_OK);  // a second start does nothing
+    const std::string log = out.Text();
+    EXPECT_EQ(CountOf(log, "Engine Initialized\n"), 1u) << log;
+    EXPECT_EQ(CountOf(log, "Preview Started\n"), 1u) << log;
+    EXPECT_EQ(CountOf(log, "GetPreferedFrameSize: 320, 240\n"), 1u) << log;
+    EXPECT_EQ(CountOf(log, "GetPreferredRecordingSize: 320, 240\n"), 1u) << log;
+}
+
+TEST_F(CaptureTest, RecordsAPlayableClipOfTheRecordedLength) {
+    orv::test::StdoutCapture out;
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(capture->StartRecord(Clip("clip.mp4")), S_OK);
+    EXPECT_TRUE(capture->IsRecording());
+    PumpFor(1500ms);
+    EXPECT_EQ(capture->StopRecord(), S_OK);
+    const double wall =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_FALSE(capture->IsRecording());
+    const orv::test::ClipInfo clip = orv::test::Discover(Clip("clip.mp4"));
+    ASSERT_TRUE(clip.ok);
+    EXPECT_EQ(clip.container, "video/quicktime");
+    EXPECT_EQ(clip.videoCaps, "video/x-h264");
+    EXPECT_EQ(clip.width, 320);
+    EXPECT_EQ(clip.height, 240);
+    EXPECT_TRUE(clip.audioCaps.empty());
+    EXPECT_NEAR(clip.seconds, wall, 0.3);
+    const orv::test::DecodeResult decoded = orv::test::DecodeVideo(Clip("clip.mp4"));
+    EXPECT_TRUE(decoded.ok);
+    EXPECT_NEAR(decoded.frames, wall * 30, 10);
+    const std::string log = out.Text();
+    EXPECT_EQ(CountOf(log, "Recording Started\n"), 1u) << log;
+    EXPECT_EQ(CountOf(log, "Recording Stopped\n"), 1u) << log;
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(CaptureTest, RefusesWhatCannotBeRecorded) {
+    orv::test::StdoutCapture out;
+    CaptureManager unstarted(orv::test::TestSources());
+    EXPECT_EQ(unstarted.StartRecord(Clip("none.mp4")), MF_E_NOT_INITIALIZED);
+    EXPECT_EQ(unstarted.StartPreview(), MF_E_NOT_INITIALIZED);
+
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    // The extension decides, case-sensitively; Windows Media is not written.
+    for (const char* name : {"upper.MP4", "clip.wmv", "sound.wma", "clip.avi", "noextension"}) {
+        EXPECT_EQ(capture->StartRecord(Clip(name)), MF_E_INVALIDMEDIATYPE) << name;
+        EXPECT_FALSE(std::filesystem::exists(Clip(name))) << name;
+    }
+    ASSERT_EQ(capture->StartRecord(Clip("first.mp4")), S_OK);
+    EXPECT_EQ(capture->StartRecord(Clip("second.mp4")), MF_E_INVALIDREQUEST);
+    EXPECT_FALSE(std::filesystem::exists(Clip("second.mp4")));
+    EXPECT_EQ(capture->StopRecord(), S_OK);
+    EXPECT_EQ(capture->StopRecord(), S_FALSE);  // nothing left to stop
+
+    capture->ReleaseEngine();
+    capture->ReleaseEngine();
+    EXPECT_FALSE(capture->IsPreviewActive());
+    EXPECT_EQ(capture->StartRecord(Clip("late.mp4")), MF_E_NOT_INITIALIZED);
+    const std::string log = out.Text();
+    EXPECT_EQ(CountOf(log, "m_pEngine NULL\n"), 2u) << log;
+    EXPECT_EQ(CountOf(log, "m_bRecording true\n"), 1u) << log;
+}
+
+TEST_F(CaptureTest, StopRightAfterStartStillLeavesAPlayableFile) {
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    ASSERT_EQ(capture->StartRecord(Clip("short.mp4")), S_OK);
+    EXPECT_EQ(capture->StopRecord(), S_OK);
+    const orv::test::DecodeResult decoded = orv::test::DecodeVideo(Clip("short.mp4"));
+    EXPECT_TRUE(decoded.ok);
+    EXPECT_GE(decoded.frames, 1);
+}
+
+TEST_F(CaptureTest, MicrophoneSoundIsRecordedAsAac) {
+    CaptureSources sources = orv::test::TestSources();
+    sources.microphone = MicrophoneSource::TestTone();
+    auto preview = StartPreview(std::move(sources));
+    CaptureManager* capture = preview->GetCaptureManager();
+    ASSERT_EQ(capture->StartRecord(Clip("sound.mp4")), S_OK);
+    PumpFor(1000ms);
+    ASSERT_EQ(capture->StopRecord(), S_OK);
+    const orv::test::ClipInfo clip = orv::test::Discover(Clip("sound.mp4"));
+    ASSERT_TRUE(clip.ok);
+    EXPECT_EQ(clip.videoCaps, "video/x-h264");
+    EXPECT_EQ(clip.audioCaps, "audio/mpeg");
+    EXPECT_NEAR(clip.seconds, 1.0, 0.35);
+}
+
+TEST_F(CaptureTest, SilentMicrophoneFallsBackToVideoOnly) {
+    orv::test::StdoutCapture out;
+    CaptureSources sources = orv::test::TestSources();
+    // Open and live, but never delivering a sample.
+    sources.microphone = MicrophoneSource::FromFactory(
+        [] {
+            GstElement* mute = gst_element_factory_make("appsrc", "microphone");
+            GstCaps* caps = gst_caps_from_string(
+                "audio/x-raw,format=S16LE,rate=44100,channels=1,"
+                "layout=interleaved");
+            g_object_set(mute, "is-live", TRUE, "format", GST_FORMAT_TIME, "caps", caps, nullptr);
+            gst_caps_unref(caps);
+            return mute;
+        },
+        "mute");
+    CaptureTiming timing;
+    timing.firstAudioWait = 300ms;
+    auto preview = StartPreview(std::move(sources), timing);
+    CaptureManager* capture = preview->GetCaptureManager();
+    ASSERT_EQ(capture->StartRecord(Clip("mute.mp4")), S_OK);
+    PumpFor(700ms);
+    ASSERT_EQ(capture->StopRecord(), S_OK);
+    const orv::test::ClipInfo clip = orv::test::Discover(Clip("mute.mp4"));
+    ASSERT_TRUE(clip.ok);
+    EXPECT_EQ(clip.videoCaps, "video/x-h264");
+    EXPECT_TRUE(clip.audioCaps.empty());
+    EXPECT_TRUE(orv::test::DecodeVideo(Clip("mute.mp4")).ok);
+    EXPECT_EQ(CountOf(out.Text(), "Microphone mute sends nothing: recording video only\n"), 1u);
+}
+
+TEST_F(CaptureTest, FullDiskEndsTheRecordingWhileThePreviewGoesOn) {
+    orv::test::StdoutCapture out;
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    // Every write to /dev/full fails with "no space left on device".
+    std::filesystem::create_symlink("/dev/full", Clip("full.mp4"));
+    ASSERT_EQ(capture->StartRecord(Clip("full.mp4")), S_OK);
+    ASSERT_TRUE(PumpUntil([&] { return !capture->IsRecording(); }));
+    EXPECT_EQ(CountOf(out.Text(), "Recording write error:0x80070070"), 1u) << out.Text();
+    const uint64_t frames = capture->PreviewFrames();
+    EXPECT_TRUE(PumpUntil([&] { return capture->PreviewFrames() > frames + 15; }));
+    EXPECT_TRUE(capture->IsPreviewActive());
+    EXPECT_EQ(capture->StopRecord(), E_DISK_FULL);
+
+    // The next clip is recorded normally.
+    ASSERT_EQ(capture->StartRecord(Clip("after.mp4")), S_OK);
+    PumpFor(500ms);
+    EXPECT_EQ(capture->StopRecord(), S_OK);
+    EXPECT_TRUE(orv::test::DecodeVideo(Clip("after.mp4")).ok);
+}
+
+TEST_F(CaptureTest, ClipOfAKilledProgramPlaysUpToItsLastSecond) {
+    const std::string path = Clip("killed.mp4");
+    int out[2];
+    ASSERT_EQ(pipe(out), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(out[1], STDOUT_FILENO);
+        execl(RECORD_CHILD_PATH, RECORD_CHILD_PATH, path.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    close(out[1]);
+    char said[16] = {};
+    ASSERT_GT(read(out[0], said, sizeof said - 1), 0);
+    close(out[0]);
+    EXPECT_STREQ(said, "recording\n");
+    // Three complete one-second fragments on disk, then the program dies.
+    const auto fragments = [&] {
+        std::ifstream file(path, std::ios::binary);
+        const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+        return CountOf(bytes, "moof");
+    };
+    EXPECT_TRUE(orv::test::Eventually([&] { return fragments() >= 3; }, 10s));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    const orv::test::DecodeResult decoded = orv::test::DecodeVideo(path);
+    EXPECT_TRUE(decoded.ok);
+    EXPECT_GE(decoded.lastSeconds, 1.9);
+    EXPECT_GE(decoded.frames, 55);
+}
+
+TEST_F(CaptureTest, FiftyRecordingsLeakNoDescriptorsThreadsOrMemory) {
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    const auto cycles = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            const std::string path = Clip("cycle" + std::to_string(i % 10) + ".mp4");
+            ASSERT_EQ(capture->StartRecord(path), S_OK);
+            QCoreApplication::processEvents();
+            ASSERT_EQ(capture->StopRecord(), S_OK);
+        }
+    };
+    // The first clips load plugins and fill GStreamer's and malloc's pools.
+    cycles(25);
+    const int fds = orv::test::OpenFdCount();
+    const int threads = orv::test::ThreadCount();
+    cycles(25);
+    [[maybe_unused]] const long memory = orv::test::ResidentKilobytes();
+    cycles(25);
+    EXPECT_EQ(orv::test::OpenFdCount(), fds);
+    // GLib keeps a few idle pool threads around; the count must not grow.
+    EXPECT_LE(orv::test::ThreadCount(), threads + 2);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    // A pipeline left behind per clip costs hundreds of kilobytes. The
+    // sanitizers' own memory grows on its own; the leak check of the address
+    // sanitizer covers that build.
+    EXPECT_LT(orv::test::ResidentKilobytes() - memory, 2 * 1024);
+#endif
+    EXPECT_TRUE(orv::test::DecodeVideo(Clip("cycle9.mp4")).ok);
+}
+
+TEST_F(CaptureTest, ReleasingLeavesNoThreadBehind) {
+    auto preview = std::make_unique<PreviewWnd>(orv::test::TestSources());
+    // Start-up of GStreamer's own machinery is not ours to count.
+    const int before = orv::test::ThreadCount();
+    ASSERT_TRUE(preview->Create(nullptr));
+    ASSERT_TRUE(preview->StartPreview(kHideWindow));
+    CaptureManager* capture = preview->GetCaptureManager();
+    ASSERT_EQ(capture->StartRecord(Clip("threads.mp4")), S_OK);
+    PumpFor(300ms);
+    EXPECT_GT(orv::test::ThreadCount(), before);
+    preview.reset();  // the recording is finalised on the way
+    EXPECT_TRUE(orv::test::Eventually(
+        [&] {
+            g_thread_pool_stop_unused_threads();  // GLib's idle workers are not ours
+            return orv::test::ThreadCount() == before;
+        },
+        5s))
+        << orv::test::ThreadNames() << " now, " << before << " before";
+    EXPECT_TRUE(orv::test::DecodeVideo(Clip("threads.mp4")).ok);
+}
+
+}  // namespace

@@ -1,0 +1,66 @@
+// Helpers for the video tests: a private X server with a QApplication for the
+// whole test program, waiting while the GUI thread keeps handling events,
+// and looking into recorded files.
+#pragma once
+
+#include <QImage>
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "video/capture_manager.h"
+
+namespace orv::test {
+
+// Registers the environment (once per program); call from a static
+// initialiser of each test file that needs it.
+void UseGuiEnvironment();
+
+// Polls `condition` while the GUI thread handles its events.
+bool PumpUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds timeout = std::chrono::seconds(10));
+// Handles GUI events for `duration` (a clip's length is time by nature).
+void PumpFor(std::chrono::milliseconds duration);
+
+// A live 640x480 test pattern at 30/1, no microphone.
+CaptureSources TestSources();
+
+struct ClipInfo {
+    bool ok = false;
+    double seconds = 0.0;
+    int width = 0;
+    int height = 0;
+    std::string videoCaps;  // e.g. "video/x-h264"
+    std::string audioCaps;  // empty without sound
+    std::string container;  // e.g. "video/quicktime"
+};
+// What GStreamer's discoverer makes of a file.
+ClipInfo Discover(const std::string& path);
+
+struct DecodeResult {
+    bool ok = false;  // reached its end without an error
+    int frames = 0;
+    double lastSeconds = 0.0;  // time stamp of the last picture
+};
+// Demuxes and decodes the whole video track.
+DecodeResult DecodeVideo(const std::string& path);
+
+// Encodes `seconds` of the test pattern at 320x240, 30/1, into an MP4 file
+// (faster than real time: for tests of playback).
+bool MakeClip(const std::string& path, double seconds);
+
+// True when every pixel is black.
+bool AllBlack(const QImage& image);
+// A screenshot of a window as the X server shows it.
+QImage GrabScreen(const QWidget* window);
+
+int ThreadCount();
+std::string ThreadNames();  // for failure messages
+int OpenFdCount();
+// Memory in use, after returning what is free to the system.
+long ResidentKilobytes();
+// Shared libraries mapped into this process whose path contains `part`.
+bool LibraryLoaded(const std::string& part);
+
+}  // namespace orv::test

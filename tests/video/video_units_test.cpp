@@ -1,0 +1,103 @@
+// The arithmetic and small machinery of the video subsystem.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <vector>
+
+#include "common/debug_log.h"
+#include "tests/support/test_support.h"
+#include "video/container_format.h"
+#include "video/frame_size.h"
+#include "video/task_thread.h"
+#include "video/window_placement.h"
+
+namespace {
+
+TEST(FrameSizeTest, Width320KeepsTheCamerasAspectWithAnEvenHeight) {
+    EXPECT_EQ(ComputePreferredFrameSize(640, 480).height, 240);
+    EXPECT_EQ(ComputePreferredFrameSize(1280, 720).height, 180);
+    EXPECT_EQ(ComputePreferredFrameSize(1920, 1080).height, 180);
+    EXPECT_EQ(ComputePreferredFrameSize(352, 288).height, 260);  // 261.8 truncated, made even
+    EXPECT_EQ(ComputePreferredFrameSize(320, 240).width, 320);
+    EXPECT_EQ(ComputePreferredFrameSize(0, 0).width, 0);
+}
+
+TEST(FrameSizeTest, FirstCameraSizeIsKeptForTheProcess) {
+    orv::test::StdoutCapture out;
+    ShowLog(true, false);
+    EXPECT_EQ(CachedPreferredFrameSize().width, 0);
+    const FrameSize first = GetPreferredFrameSize(1280, 720);
+    const FrameSize second = GetPreferredFrameSize(640, 480);
+    ShowLog(false, false);
+    EXPECT_EQ(first.height, 180);
+    EXPECT_EQ(second.height, 180);
+    EXPECT_EQ(CachedPreferredFrameSize().height, 180);
+    EXPECT_EQ(orv::test::CountOf(out.Text(), "GetPreferedFrameSize: 320, 180\n"), 1u);
+}
+
+TEST(FrameSizeTest, BitRateComesFromTheCamerasOwnSizeAndRate) {
+    EXPECT_EQ(GetEncodingBitrate({640, 480, 30, 1}), 3'072'000u);
+    EXPECT_EQ(GetEncodingBitrate({1280, 720, 30, 1}), 9'216'000u);
+    EXPECT_EQ(GetEncodingBitrate({640, 480, 15, 1}), 1'536'000u);
+    EXPECT_EQ(GetEncodingBitrate({640, 480, 30000, 1001}), 3'068'931u);
+    EXPECT_EQ(GetEncodingBitrate({640, 480, 30, 0}), 0u);
+}
+
+TEST(ContainerTest, OnlyLowerCaseMp4IsWritten) {
+    EXPECT_EQ(ContainerForPath("/home/u/.config/Orvane X/MyRecord0.mp4"), Container::Mp4);
+    EXPECT_EQ(ContainerForPath("clip.MP4"), Container::None);
+    EXPECT_EQ(ContainerForPath("clip.Mp4"), Container::None);
+    EXPECT_EQ(ContainerForPath("clip.wmv"), Container::None);
+    EXPECT_EQ(ContainerForPath("clip.wma"), Container::None);
+    EXPECT_EQ(ContainerForPath("/folder.mp4/clip"), Container::None);
+    EXPECT_EQ(PathExtension("a/b.tar.mp4"), ".mp4");
+    EXPECT_EQ(PathExtension("a.b/c"), "");
+}
+
+TEST(WindowPlacementTest, PreviewSitsRightOfTheWorkAreasMiddle) {
+    EXPECT_EQ(PreviewPlacement({1280, 1024}, {320, 240}), QRect(950, 522, 320, 240));
+    EXPECT_EQ(PreviewPlacement({1920, 1050}, {320, 180}), QRect(1590, 535, 320, 180));
+    EXPECT_EQ(PreviewPlacement({1366, 767}, {320, 240}), QRect(1036, 393, 320, 240));
+}
+
+TEST(WindowPlacementTest, PlayerSitsInAFixedPlaceOfACentredArea) {
+    EXPECT_EQ(PlayerPlacement({1280, 1024}), QRect(151, 331, 798, 398));
+    EXPECT_EQ(PlayerPlacement({1920, 1080}), QRect(471, 359, 798, 398));
+    // Narrower than the area: applied as it is, left of x = 25.
+    EXPECT_EQ(PlayerPlacement({800, 600}), QRect(-89, 119, 798, 398));
+    // Halves truncated toward zero: -0.5 becomes 0.
+    EXPECT_EQ(PlayerPlacement({1027, 729}), QRect(25, 184, 798, 398));
+}
+
+TEST(TaskThreadTest, RunsTasksInOrderAndFinishesTheQueueOnStop) {
+    std::vector<int> seen;  // written by the worker only, read after Stop
+    std::atomic<bool> onWorker{true};
+    TaskThread worker;
+    for (int i = 0; i < 100; ++i) {
+        worker.Post([&, i] {
+            onWorker = onWorker && worker.IsCurrent();
+            seen.push_back(i);
+        });
+    }
+    worker.Stop();
+    worker.Post([&] { seen.push_back(-1); });  // too late: dropped
+    ASSERT_EQ(seen.size(), 100u);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(seen[i], i);
+    }
+    EXPECT_TRUE(onWorker);
+    EXPECT_FALSE(worker.IsCurrent());
+}
+
+TEST(SignalCounterTest, AnOldSignalDoesNotSatisfyANewWait) {
+    SignalCounter counter;
+    counter.Signal();
+    const uint64_t seen = counter.Count();
+    EXPECT_FALSE(counter.WaitBeyond(seen, std::chrono::milliseconds(20)));
+    std::thread signaller([&] { counter.Signal(); });
+    EXPECT_TRUE(counter.WaitBeyond(seen, std::chrono::seconds(5)));
+    signaller.join();
+}
+
+}  // namespace

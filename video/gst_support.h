@@ -1,0 +1,49 @@
+// Small GStreamer helpers shared by the capture and playback code: one-time
+// initialisation, owning pointers, element creation with a logged failure.
+#pragma once
+
+#include <gst/gst.h>
+
+#include <memory>
+#include <string>
+
+#include "video/result_codes.h"
+
+// X window id (or other native handle) that a video sink draws into.
+using WindowHandle = guintptr;
+
+// Initialises GStreamer once for the process; safe to call from any thread.
+bool EnsureGStreamer();
+
+struct GstObjectUnref {
+    void operator()(gpointer object) const {
+        if (object != nullptr) {
+            gst_object_unref(object);
+        }
+    }
+};
+template <typename T>
+using GstPtr = std::unique_ptr<T, GstObjectUnref>;
+
+struct GstCapsUnref {
+    void operator()(GstCaps* caps) const {
+        if (caps != nullptr) {
+            gst_caps_unref(caps);
+        }
+    }
+};
+using GstCapsPtr = std::unique_ptr<GstCaps, GstCapsUnref>;
+
+// A new element of `factory`, or null with one error line when the plugin is
+// missing.
+GstElement* MakeElement(const char* factory, const char* name = nullptr);
+
+// Adds the elements (floating references taken over) to `bin` and links them
+// in order; false with one error line when a link fails.
+bool AddAndLink(GstBin* bin, std::initializer_list<GstElement*> chain);
+
+// The result code for an error reported on a bus.
+HRESULT ResultFromError(const GError* error);
+
+// "domain message (debug)" of an error message, for the log.
+std::string DescribeError(GstMessage* message, HRESULT* result = nullptr);

@@ -1,0 +1,180 @@
+#include "video/preview_pipeline.h"
+
+#include <gst/app/gstappsink.h>
+#include <gst/video/videooverlay.h>
+
+#include "common/debug_log.h"
+
+PreviewPipeline::PreviewPipeline(Callbacks callbacks) : callbacks_(std::move(callbacks)) {}
+
+PreviewPipeline::~PreviewPipeline() {
+    Stop();
+}
+
+HRESULT PreviewPipeline::Create(const CameraSource& camera) {
+    if (!EnsureGStreamer()) {
+        return E_FAIL;
+    }
+    camera_ = camera.CreateElement();
+    if (camera_ == nullptr) {
+        return MF_E_NO_CAPTURE_DEVICES_AVAILABLE;
+    }
+    pipeline_ = gst_pipeline_new("capture-engine");
+    gst_bin_add(GST_BIN(pipeline_), camera_);
+    // Recordings share this clock, so their timestamps line up with the camera's.
+    GstClock* clock = gst_system_clock_obtain();
+    gst_pipeline_use_clock(GST_PIPELINE(pipeline_), clock);
+    gst_object_unref(clock);
+    GstPtr<GstBus> bus(gst_element_get_bus(pipeline_));
+    gst_bus_set_sync_handler(bus.get(), OnBusMessage, this, nullptr);
+    std::lock_guard publish(callbackMutex_);
+    return S_OK;
+}
+
+GstElement* PreviewPipeline::MakePreviewSink(WindowHandle window) {
+    // ximagesink works on any X server (Xv is often missing, e.g. under Xvfb);
+    // the picture is already at window size, so it needs no scaling.
+    GstElement* sink = MakeElement("ximagesink", "preview-sink");
+    if (sink == nullptr) {
+        return nullptr;
+    }
+    // The window's events belong to the toolkit; it asks for redraws itself.
+    g_object_set(sink, "sync", FALSE, "handle-events", FALSE, "qos", FALSE, nullptr);
+    gst_video_overlay_set_window_handle(GST_VIDEO_OVERLAY(sink), window);
+    GstPtr<GstPad> pad(gst_element_get_static_pad(sink, "sink"));
+    gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_BUFFER, OnFrameShown, this, nullptr);
+    return sink;
+}
+
+GstElement* PreviewPipeline::MakeTap() {
+    GstElement* tap = MakeElement("appsink", "record-tap");
+    if (tap == nullptr) {
+        return nullptr;
+    }
+    g_object_set(tap, "sync", FALSE, "max-buffers", 2u, "drop", TRUE, "emit-signals", TRUE, "async",
+                 FALSE, nullptr);
+    g_signal_connect(tap, "new-sample", G_CALLBACK(OnTapSample), this);
+    return tap;
+}
+
+HRESULT PreviewPipeline::AddPreview(WindowHandle window, FrameSize size) {
+    if (pipeline_ == nullptr) {
+        return MF_E_NOT_INITIALIZED;
+    }
+    GstElement* scale = MakeElement("videoconvertscale", "scale");
+    GstElement* format = MakeElement("capsfilter", "preferred-size");
+    GstElement* tee = MakeElement("tee", "split");
+    GstElement* showQueue = MakeElement("queue", "preview-queue");
+    GstElement* convert = MakeElement("videoconvert", "preview-convert");
+    GstElement* sink = MakePreviewSink(window);
+    GstElement* tapQueue = MakeElement("queue", "tap-queue");
+    GstElement* tap = MakeTap();
+    if (!scale || !format || !tee || !showQueue || !convert || !sink || !tapQueue || !tap) {
+        for (GstElement* e : {scale, format, tee, showQueue, convert, sink, tapQueue, tap}) {
+            if (e != nullptr) {
+                gst_object_unref(gst_object_ref_sink(e));
+            }
+        }
+        return E_FAIL;
+    }
+    // Width, even height and square pixels all given: with the width alone the
+    // scaler keeps the height and stretches the pixels instead.
+    GstCapsPtr caps(gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "I420", "width",
+                                        G_TYPE_INT, size.width, "height", G_TYPE_INT, size.height,
+                                        "pixel-aspect-ratio", GST_TYPE_FRACTION, 1, 1, nullptr));
+    g_object_set(format, "caps", caps.get(), nullptr);
+    g_object_set(tee, "allow-not-linked", TRUE, nullptr);
+    // A slow window or recording drops old frames instead of holding up the camera.
+    for (GstElement* queue : {showQueue, tapQueue}) {
+        g_object_set(queue, "leaky", 2, "max-size-buffers", 3u, "max-size-bytes", 0u,
+                     "max-size-time", G_GUINT64_CONSTANT(0), nullptr);
+    }
+    if (!AddAndLink(GST_BIN(pipeline_), {scale, format, tee, showQueue, convert, sink}) ||
+        !AddAndLink(GST_BIN(pipeline_), {tapQueue, tap}) || !gst_element_link(camera_, scale) ||
+        !gst_element_link(tee, tapQueue)) {
+        return E_FAIL;
+    }
+    sink_ = sink;
+    return S_OK;
+}
+
+HRESULT PreviewPipeline::Play() {
+    if (pipeline_ == nullptr || sink_ == nullptr) {
+        return MF_E_NOT_INITIALIZED;
+    }
+    if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
+        LOG_ERROR("gst_element_set_state error:0x%x\n", static_cast<unsigned>(E_FAIL));
+        return E_FAIL;
+    }
+    return S_OK;
+}
+
+void PreviewPipeline::Stop() {
+    if (pipeline_ == nullptr) {
+        return;
+    }
+    gst_element_set_state(pipeline_, GST_STATE_NULL);
+    GstPtr<GstBus> bus(gst_element_get_bus(pipeline_));
+    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+    gst_object_unref(pipeline_);
+    pipeline_ = nullptr;
+    camera_ = nullptr;
+    sink_ = nullptr;
+}
+
+void PreviewPipeline::Expose() {
+    if (sink_ != nullptr) {
+        gst_video_overlay_expose(GST_VIDEO_OVERLAY(sink_));
+    }
+}
+
+GstBusSyncReply PreviewPipeline::OnBusMessage(GstBus*, GstMessage* message, gpointer self) {
+    auto* preview = static_cast<PreviewPipeline*>(self);
+    std::lock_guard lock(preview->callbackMutex_);
+    switch (GST_MESSAGE_TYPE(message)) {
+        case GST_MESSAGE_STATE_CHANGED: {
+            GstState oldState, newState;
+            gst_message_parse_state_changed(message, &oldState, &newState, nullptr);
+            if (GST_IS_PIPELINE(GST_MESSAGE_SRC(message)) && newState == GST_STATE_PLAYING &&
+                preview->callbacks_.started) {
+                preview->callbacks_.started();
+            }
+            break;
+        }
+        case GST_MESSAGE_ERROR: {
+            HRESULT hr = E_FAIL;
+            const std::string text = DescribeError(message, &hr);
+            if (preview->callbacks_.failed) {
+                preview->callbacks_.failed(hr, text);
+            }
+            break;
+        }
+        default:
+            break;
+    }
+    // Nobody reads this bus: everything is handled here. Dropping leaves the
+    // message to us.
+    gst_message_unref(message);
+    return GST_BUS_DROP;
+}
+
+GstFlowReturn PreviewPipeline::OnTapSample(GstElement* sink, gpointer self) {
+    auto* preview = static_cast<PreviewPipeline*>(self);
+    GstSample* sample = gst_app_sink_pull_sample(GST_APP_SINK(sink));
+    if (sample == nullptr) {
+        return GST_FLOW_OK;
+    }
+    {
+        std::lock_guard lock(preview->callbackMutex_);
+        if (preview->callbacks_.frame) {
+            preview->callbacks_.frame(sample, gst_element_get_base_time(sink));
+        }
+    }
+    gst_sample_unref(sample);
+    return GST_FLOW_OK;
+}
+
+GstPadProbeReturn PreviewPipeline::OnFrameShown(GstPad*, GstPadProbeInfo*, gpointer self) {
+    static_cast<PreviewPipeline*>(self)->framesShown_.fetch_add(1);
+    return GST_PAD_PROBE_OK;
+}
