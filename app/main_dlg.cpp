@@ -263,6 +263,7 @@ void CMainDlg::OnShot() {
     figures.sideSpin = shot.ball.SideSpin;
     figures.headSpeed = shot.clubData.ClubHeadSpeed;
     control_->SetLastShot(figures);
+    control_->SetCurrentClub(shot.club);
 }
 
 void CMainDlg::OnSimulatorClub(intptr_t club) {

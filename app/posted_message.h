@@ -23,8 +23,8 @@ class PostedMessage : public QEvent {
 public:
     static QEvent::Type Type();
 
-    PostedMessage(uint32_t message, intptr_t wParam, intptr_t lParam)
-        : QEvent(Type()), message(message), wParam(wParam), lParam(lParam) {}
+    PostedMessage(uint32_t id, intptr_t first, intptr_t second)
+        : QEvent(Type()), message(id), wParam(first), lParam(second) {}
 
     const uint32_t message;
     const intptr_t wParam;

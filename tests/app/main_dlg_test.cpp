@@ -64,6 +64,7 @@ protected:
 };
 
 TEST_F(MainDlgTest, OpensWithTheSettingsAndShowsTheLinksAndShots) {
+    options.session.timing.pingInterval = 200ms;  // the battery is asked for on the ping pass
     Open();
     EXPECT_EQ(dialog->size(), QSize(1040, 680));
     EXPECT_EQ(dialog->windowTitle(), "OrvaneWin");
@@ -89,6 +90,10 @@ TEST_F(MainDlgTest, OpensWithTheSettingsAndShowsTheLinksAndShots) {
     ASSERT_TRUE(ProcessEventsUntil([&] { return Control().shotPanel->HasShot(); }));
     EXPECT_EQ(Control().shotPanel->ClubText(), "Driver");
     ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    ASSERT_TRUE(ProcessEventsUntil([&] {
+        return Control().lbBattery->text() == QStringLiteral("%1%").arg(sensor->Battery());
+    }));
+    dialog->grab().save(QStringLiteral(ORVANE_SCREENSHOT_DIR "/main-window.png"));
 
     // The simulator going away shows at once.
     emulator->Stop();
@@ -96,8 +101,6 @@ TEST_F(MainDlgTest, OpensWithTheSettingsAndShowsTheLinksAndShots) {
         return Control().lbE6Conn->text() == QString::fromStdString(GetStringRes(177));
     }));
     EXPECT_EQ(Control().lbE6Conn->TextColor(), OrvaneWinUI::kDisconnectedColor);
-
-    dialog->grab().save(QStringLiteral(ORVANE_SCREENSHOT_DIR "/main-window.png"));
 }
 
 TEST_F(MainDlgTest, EnterAndEscapeNeverCloseAndSaveWritesTheFile) {
@@ -118,8 +121,8 @@ TEST_F(MainDlgTest, EnterAndEscapeNeverCloseAndSaveWritesTheFile) {
         EXPECT_EQ(answer.seen().text, QString::fromStdString(GetStringRes(166)));
     }
     const std::string saved = ReadFile(folder.path() / "settings.ini");
-    EXPECT_NE(saved.find("SwingLevel = 0"), std::string::npos) << saved;
-    EXPECT_NE(saved.find("ShowPreview = 1"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("SwingLevel=0"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("ShowPreview=1"), std::string::npos) << saved;
     EXPECT_NE(saved.find("; kept across saves"), std::string::npos) << saved;
 }
 
