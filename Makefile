@@ -38,5 +38,9 @@ tsan: deps
 
 sanitizers: asan tsan
 
+# Performance figures into docs/PERFORMANCE.md (not part of `make test`).
+bench: build
+	./scripts/bench.sh
+
 clean:
 	rm -rf build
