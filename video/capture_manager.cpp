@@ -222,6 +222,7 @@ void CaptureManager::ReleaseEngine() {
     m_bRecording = false;
     m_bPhotoInProgress = false;
     m_nErrorCode = 0;
+    m_hStopEvent.Signal();  // nobody waits for an event of this engine any more
     // The desktop may go idle again once the camera is off.
     m_power.Release();
     m_bPowerRequestActive = false;

@@ -40,6 +40,30 @@ bool AddAndLink(GstBin* bin, std::initializer_list<GstElement*> chain) {
     return true;
 }
 
+void SetSyncHandler(GstElement* element, GstBusSyncHandler handler, gpointer data) {
+    GstPtr<GstBus> bus(gst_element_get_bus(element));
+    gst_bus_set_sync_handler(bus.get(), handler, data, nullptr);
+}
+
+GstElement* NewPipeline(const char* name, GstBusSyncHandler handler, gpointer data) {
+    GstElement* pipeline = gst_pipeline_new(name);
+    GstClock* clock = gst_system_clock_obtain();
+    gst_pipeline_use_clock(GST_PIPELINE(pipeline), clock);
+    gst_object_unref(clock);
+    SetSyncHandler(pipeline, handler, data);
+    return pipeline;
+}
+
+void DisposePipeline(GstElement*& pipeline) {
+    if (pipeline == nullptr) {
+        return;
+    }
+    gst_element_set_state(pipeline, GST_STATE_NULL);
+    SetSyncHandler(pipeline, nullptr, nullptr);
+    gst_object_unref(pipeline);
+    pipeline = nullptr;
+}
+
 HRESULT ResultFromError(const GError* error) {
     if (error != nullptr && error->domain == GST_RESOURCE_ERROR &&
         error->code == GST_RESOURCE_ERROR_NO_SPACE_LEFT) {

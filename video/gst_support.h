@@ -42,6 +42,17 @@ GstElement* MakeElement(const char* factory, const char* name = nullptr);
 // in order; false with one error line when a link fails.
 bool AddAndLink(GstBin* bin, std::initializer_list<GstElement*> chain);
 
+// Sends every message of `element`'s bus to `handler` (on the posting thread).
+void SetSyncHandler(GstElement* element, GstBusSyncHandler handler, gpointer data);
+
+// A pipeline on the system clock, which all pipelines of the program share,
+// with its messages going to `handler`.
+GstElement* NewPipeline(const char* name, GstBusSyncHandler handler, gpointer data);
+
+// Stops the pipeline (its streaming threads are gone when this returns),
+// detaches its handler, releases it and clears the pointer.
+void DisposePipeline(GstElement*& pipeline);
+
 // The result code for an error reported on a bus.
 HRESULT ResultFromError(const GError* error);
 

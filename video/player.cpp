@@ -49,8 +49,7 @@ HRESULT CPlayer::CreateSession() {
     gst_object_ref_sink(m_pMediaSession);
     g_object_set(m_pMediaSession, "flags", kPlayVideoOnly, nullptr);
     { std::lock_guard publish(posterMutex_); }
-    GstPtr<GstBus> bus(gst_element_get_bus(m_pMediaSession));
-    gst_bus_set_sync_handler(bus.get(), OnBusMessage, this, nullptr);
+    SetSyncHandler(m_pMediaSession, OnBusMessage, this);
     return S_OK;
 }
 
@@ -187,30 +186,24 @@ HRESULT CPlayer::SetPlaybackRate(float rate) {
 }
 
 HRESULT CPlayer::Play() {
-    if (m_pMediaSession == nullptr ||
-        gst_element_set_state(m_pMediaSession, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
-        return E_FAIL;
-    }
-    m_nState = PlayerState::Started;
-    return S_OK;
+    return ChangeState(GST_STATE_PLAYING, PlayerState::Started);
 }
 
 HRESULT CPlayer::Pause() {
+    return ChangeState(GST_STATE_PAUSED, PlayerState::Paused);
+}
+
+HRESULT CPlayer::ChangeState(GstState target, PlayerState reached) {
     if (m_pMediaSession == nullptr ||
-        gst_element_set_state(m_pMediaSession, GST_STATE_PAUSED) == GST_STATE_CHANGE_FAILURE) {
+        gst_element_set_state(m_pMediaSession, target) == GST_STATE_CHANGE_FAILURE) {
         return E_FAIL;
     }
-    m_nState = PlayerState::Paused;
+    m_nState = reached;
     return S_OK;
 }
 
 HRESULT CPlayer::Stop() {
-    if (m_pMediaSession == nullptr) {
-        return E_FAIL;
-    }
-    gst_element_set_state(m_pMediaSession, GST_STATE_READY);
-    m_nState = PlayerState::Stopped;
-    return S_OK;
+    return ChangeState(GST_STATE_READY, PlayerState::Stopped);
 }
 
 void CPlayer::Repaint() {
@@ -222,12 +215,7 @@ void CPlayer::Repaint() {
 HRESULT CPlayer::ShutdownSession() {
     if (m_pMediaSession != nullptr) {
         m_nState = PlayerState::Closing;
-        // Synchronous: the streaming threads are gone when it returns.
-        gst_element_set_state(m_pMediaSession, GST_STATE_NULL);
-        GstPtr<GstBus> bus(gst_element_get_bus(m_pMediaSession));
-        gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
-        gst_object_unref(m_pMediaSession);
-        m_pMediaSession = nullptr;
+        DisposePipeline(m_pMediaSession);
         videoSink_ = nullptr;
     }
     m_fCurrentRate = 0.0f;

@@ -73,6 +73,7 @@ private:
     CPlayer(WindowHandle videoWindow, FrameSize videoSize, EventPoster poster);
 
     HRESULT CreateSession();
+    HRESULT ChangeState(GstState target, PlayerState reached);
     GstElement* CreateVideoOutput();
     HRESULT OnTopologyReady();
     HRESULT OnEndOfPresentation();

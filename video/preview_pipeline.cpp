@@ -19,14 +19,10 @@ HRESULT PreviewPipeline::Create(const CameraSource& camera) {
     if (camera_ == nullptr) {
         return MF_E_NO_CAPTURE_DEVICES_AVAILABLE;
     }
-    pipeline_ = gst_pipeline_new("capture-engine");
+    // Recordings share the system clock, so their timestamps line up with the
+    // camera's.
+    pipeline_ = NewPipeline("capture-engine", OnBusMessage, this);
     gst_bin_add(GST_BIN(pipeline_), camera_);
-    // Recordings share this clock, so their timestamps line up with the camera's.
-    GstClock* clock = gst_system_clock_obtain();
-    gst_pipeline_use_clock(GST_PIPELINE(pipeline_), clock);
-    gst_object_unref(clock);
-    GstPtr<GstBus> bus(gst_element_get_bus(pipeline_));
-    gst_bus_set_sync_handler(bus.get(), OnBusMessage, this, nullptr);
     std::lock_guard publish(callbackMutex_);
     return S_OK;
 }
@@ -113,11 +109,7 @@ void PreviewPipeline::Stop() {
     if (pipeline_ == nullptr) {
         return;
     }
-    gst_element_set_state(pipeline_, GST_STATE_NULL);
-    GstPtr<GstBus> bus(gst_element_get_bus(pipeline_));
-    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
-    gst_object_unref(pipeline_);
-    pipeline_ = nullptr;
+    DisposePipeline(pipeline_);
     camera_ = nullptr;
     sink_ = nullptr;
 }

@@ -60,17 +60,14 @@ HRESULT RecordingPipeline::Build(const MicrophoneSource* microphone) {
         result_ = S_OK;
         error_.clear();
     }
-    pipeline_ = gst_pipeline_new("recording");
     // The preview's clock, and a base time of our own: a frame's time on the
     // clock maps directly to its time in the file.
-    GstClock* clock = gst_system_clock_obtain();
-    gst_pipeline_use_clock(GST_PIPELINE(pipeline_), clock);
+    pipeline_ = NewPipeline("recording", OnBusMessage, this);
     gst_element_set_start_time(pipeline_, GST_CLOCK_TIME_NONE);
+    GstClock* clock = gst_system_clock_obtain();
     baseTime_ = gst_clock_get_time(clock);
-    gst_element_set_base_time(pipeline_, baseTime_);
     gst_object_unref(clock);
-    GstPtr<GstBus> bus(gst_element_get_bus(pipeline_));
-    gst_bus_set_sync_handler(bus.get(), OnBusMessage, this, nullptr);
+    gst_element_set_base_time(pipeline_, baseTime_);
 
     GstElement* mux = MakeElement("mp4mux", "mux");
     GstElement* file = MakeElement("filesink", "file");
@@ -212,14 +209,7 @@ HRESULT RecordingPipeline::Result() {
 }
 
 void RecordingPipeline::Teardown() {
-    if (pipeline_ == nullptr) {
-        return;
-    }
-    gst_element_set_state(pipeline_, GST_STATE_NULL);
-    GstPtr<GstBus> bus(gst_element_get_bus(pipeline_));
-    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
-    gst_object_unref(pipeline_);
-    pipeline_ = nullptr;
+    DisposePipeline(pipeline_);
     frames_ = nullptr;
     microphone_ = nullptr;
 }

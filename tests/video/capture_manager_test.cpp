@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <thread>
 
 #include "common/debug_log.h"
@@ -132,6 +133,35 @@ TEST_F(CaptureTest, RefusesWhatCannotBeRecorded) {
     EXPECT_EQ(CountOf(log, "m_bRecording true\n"), 1u) << log;
 }
 
+TEST_F(CaptureTest, WithoutACameraTheEngineStartsButThePreviewDoesNot) {
+    orv::test::StdoutCapture out;
+    CaptureSources sources = orv::test::TestSources();
+    sources.camera = CameraSource();
+    PreviewWnd preview(sources);
+    ASSERT_TRUE(preview.Create(nullptr));
+    EXPECT_FALSE(preview.StartPreview(kShowWindow));
+    EXPECT_FALSE(preview.Window()->isVisible());
+    EXPECT_EQ(preview.GetCaptureManager()->StartRecord(Clip("none.mp4")), MF_E_INVALIDREQUEST);
+    EXPECT_TRUE(PumpUntil([&] { return CountOf(out.Text(), "Engine Initialized\n") == 1; }));
+    EXPECT_EQ(CountOf(out.Text(), "GetSource error:0xc00dabe0\n"), 1u) << out.Text();
+}
+
+TEST_F(CaptureTest, EngineErrorTearsTheEngineDownAndKeepsTheClip) {
+    orv::test::StdoutCapture out;
+    auto preview = StartPreview();
+    CaptureManager* capture = preview->GetCaptureManager();
+    ASSERT_EQ(capture->StartRecord(Clip("cut.mp4")), S_OK);
+    PumpFor(500ms);
+    // As the engine's event thread does when the camera fails.
+    capture->OnCaptureEvent(CaptureEvent::EngineError, E_FAIL);
+    EXPECT_FALSE(capture->IsRecording());
+    EXPECT_FALSE(capture->IsPreviewActive());
+    EXPECT_EQ(capture->StartPreview(), MF_E_NOT_INITIALIZED);
+    EXPECT_EQ(capture->StartRecord(Clip("later.mp4")), MF_E_NOT_INITIALIZED);
+    EXPECT_TRUE(orv::test::DecodeVideo(Clip("cut.mp4")).ok);
+    EXPECT_EQ(CountOf(out.Text(), "Capture Engine error\n"), 1u);
+}
+
 TEST_F(CaptureTest, StopRightAfterStartStillLeavesAPlayableFile) {
     auto preview = StartPreview();
     CaptureManager* capture = preview->GetCaptureManager();
@@ -226,8 +256,9 @@ TEST_F(CaptureTest, ClipOfAKilledProgramPlaysUpToItsLastSecond) {
     // Three complete one-second fragments on disk, then the program dies.
     const auto fragments = [&] {
         std::ifstream file(path, std::ios::binary);
-        const std::string bytes((std::istreambuf_iterator<char>(file)), {});
-        return CountOf(bytes, "moof");
+        std::ostringstream bytes;
+        bytes << file.rdbuf();
+        return CountOf(bytes.str(), "moof");
     };
     EXPECT_TRUE(orv::test::Eventually([&] { return fragments() >= 3; }, 10s));
     kill(child, SIGKILL);

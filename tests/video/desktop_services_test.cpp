@@ -6,11 +6,13 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <sdbus-c++/sdbus-c++.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -30,29 +32,24 @@ const bool kGui = (orv::test::UseGuiEnvironment(), true);
 class PrivateBus {
 public:
     PrivateBus() {
-        int fds[2];
-        if (pipe(fds) != 0) {
+        // It forks into the background once listening and prints its address
+        // and process id.
+        std::FILE* out = popen("dbus-daemon --session --fork --print-address=1 --print-pid=1", "r");
+        if (out == nullptr) {
             return;
         }
-        pid_ = fork();
-        if (pid_ == 0) {
-            close(fds[0]);
-            const std::string fd = std::to_string(fds[1]);
-            execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
-                   ("--print-address=" + fd).c_str(), static_cast<char*>(nullptr));
-            _exit(127);
+        char line[512];
+        if (std::fgets(line, sizeof line, out) != nullptr) {
+            address_ = std::string(line, std::strcspn(line, "\n"));
         }
-        close(fds[1]);
-        char c;
-        while (read(fds[0], &c, 1) == 1 && c != '\n') {
-            address_.push_back(c);
+        if (std::fgets(line, sizeof line, out) != nullptr) {
+            pid_ = std::atoi(line);
         }
-        close(fds[0]);
+        pclose(out);
     }
     ~PrivateBus() {
         if (pid_ > 0) {
             kill(pid_, SIGTERM);
-            waitpid(pid_, nullptr, 0);
         }
     }
     const std::string& address() const { return address_; }
@@ -125,7 +122,8 @@ TEST(IdleInhibitorTest, HoldsLogindsIdleLockUntilReleased) {
     EXPECT_FALSE(logind.LastLockReleased());
     inhibitor.Release();
     EXPECT_FALSE(inhibitor.Active());
-    EXPECT_TRUE(logind.LastLockReleased());
+    // The bus may still hold its copy of the descriptor for a moment.
+    EXPECT_TRUE(orv::test::Eventually([&] { return logind.LastLockReleased(); }));
 }
 
 TEST(IdleInhibitorTest, WithoutLogindNothingHappensButOneLine) {
@@ -154,7 +152,8 @@ TEST(IdleInhibitorTest, CaptureManagerHoldsTheLockWhilePreviewing) {
     EXPECT_EQ(logind.Calls()[0], "idle|Orvane X|CaptureEngine is recording!|block");
     capture->ReleaseEngine();
     EXPECT_FALSE(capture->IsPowerRequestActive());
-    EXPECT_TRUE(logind.LastLockReleased());
+    // The bus may still hold its copy of the descriptor for a moment.
+    EXPECT_TRUE(orv::test::Eventually([&] { return logind.LastLockReleased(); }));
 }
 
 TEST(DesktopServicesTest, WithoutSoundServerTheMicrophoneIsLeftAloneWithOneLine) {

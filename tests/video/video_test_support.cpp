@@ -222,13 +222,20 @@ QImage GrabScreen(const QWidget* window) {
         .toImage();
 }
 
-int ThreadCount() {
+namespace {
+
+int CountEntries(const char* folder) {
     int count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/task")) {
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) {
         ++count;
     }
     return count;
+}
+
+}  // namespace
+
+int ThreadCount() {
+    return CountEntries("/proc/self/task");
 }
 
 std::string ThreadNames() {
@@ -243,12 +250,7 @@ std::string ThreadNames() {
 }
 
 int OpenFdCount() {
-    int count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/fd")) {
-        ++count;
-    }
-    return count;
+    return CountEntries("/proc/self/fd");
 }
 
 long ResidentKilobytes() {
