@@ -11,30 +11,6 @@
 #include "tests/support/test_support.h"
 #include "tests/support/xvfb_display.h"
 
-// Qt's platform layer keeps a buffer of the D-Bus library that it never
-// frees; it is not ours to fix.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libdbus-1.so\n";
-}
-
-// Qt is not built with the thread sanitizer, so the locking between its own
-// threads (X event reader, D-Bus connection) and of the X and D-Bus
-// libraries under it is invisible to it. Races in our
-// code stay reported.
-extern "C" const char* __tsan_default_suppressions() {
-    return "called_from_lib:libQt6Core.so.6\n"
-           "called_from_lib:libQt6Gui.so.6\n"
-           "called_from_lib:libQt6DBus.so.6\n"
-           "called_from_lib:libQt6XcbQpa.so.6\n"
-           "race:libQt6Core.so.6\n"
-           "race:libQt6DBus.so.6\n"
-           "race:libQt6XcbQpa.so.6\n"
-           "called_from_lib:libxcb.so.1\n"
-           "called_from_lib:libdbus-1.so.3\n"
-           "mutex:libxcb.so.1\n"
-           "mutex:libX11.so.6\n";
-}
-
 namespace orv::test {
 
 namespace {

@@ -274,18 +274,3 @@ bool LibraryLoaded(const std::string& part) {
 }
 
 }  // namespace orv::test
-
-// Allocations that GLib and libdbus (loaded by Qt) keep for the whole process
-// and never free: not leaks of ours. Pipelines left behind are caught by the
-// descriptor and memory counts of the tests instead.
-extern "C" __attribute__((visibility("default"), used)) const char* __lsan_default_suppressions() {
-    return "leak:libglib-2.0.so\n"
-           "leak:libdbus-1.so\n";
-}
-
-// GLib, GStreamer and Qt synchronise their threads with futexes the thread
-// sanitizer cannot see; what they touch on their own is theirs to answer for.
-// Our code's races with each other and with callbacks stay reported.
-extern "C" __attribute__((visibility("default"), used)) const char* __tsan_default_options() {
-    return "ignore_noninstrumented_modules=1";
-}
