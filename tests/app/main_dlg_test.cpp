@@ -6,12 +6,11 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
-#include <fstream>
-#include <sstream>
 
 #include "common/settings.h"
 #include "common/string_res.h"
 #include "tests/session/session_fixture.h"
+#include "tests/support/file_text.h"
 #include "tests/ui/gui_test_app.h"
 #include "ui/orvane_ui_control.h"
 #include "ui/radio_group.h"
@@ -23,13 +22,6 @@ namespace orv::test {
 namespace {
 
 using namespace std::chrono_literals;
-
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 class MainDlgTest : public SessionTest {
 protected:
@@ -120,7 +112,7 @@ TEST_F(MainDlgTest, EnterAndEscapeNeverCloseAndSaveWritesTheFile) {
         EXPECT_TRUE(answer.seen().seen);
         EXPECT_EQ(answer.seen().text, QString::fromStdString(GetStringRes(166)));
     }
-    const std::string saved = ReadFile(folder.path() / "settings.ini");
+    const std::string saved = ReadFileText(folder.path() / "settings.ini");
     EXPECT_NE(saved.find("SwingLevel=0"), std::string::npos) << saved;
     EXPECT_NE(saved.find("ShowPreview=1"), std::string::npos) << saved;
     EXPECT_NE(saved.find("; kept across saves"), std::string::npos) << saved;

@@ -13,19 +13,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/file_text.h"
 #include "tests/support/test_support.h"
 
 namespace orv::test {
 namespace {
 
 using namespace std::chrono_literals;
-
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // One run of the program in its own working, settings and runtime folders.
 class Program {
@@ -61,7 +55,7 @@ public:
             waitpid(pid_, nullptr, 0);
         }
     }
-    std::string Output() const { return ReadFile(output_); }
+    std::string Output() const { return ReadFileText(output_); }
     bool WaitForOutput(const std::string& text) const {
         return Eventually([&] { return Output().find(text) != std::string::npos; }, 20s);
     }
@@ -132,7 +126,7 @@ TEST(Program, DebugSwitchesChooseTaggedLinesDumpsAndTheLogFile) {
         Program program(home, {"-debug_file", "-console", "-demo", "-debug"});
         ASSERT_TRUE(Eventually(
             [&] {
-                return ReadFile(home.path() / "log.txt").find("FW version: 1.2.0") !=
+                return ReadFileText(home.path() / "log.txt").find("FW version: 1.2.0") !=
                        std::string::npos;
             },
             20s));

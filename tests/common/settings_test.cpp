@@ -12,7 +12,7 @@
 #include "common/debug_log.h"
 #include "common/user_depends_data.h"
 #include "tests/common/env_var.h"
-#include "tests/common/file_text.h"
+#include "tests/support/file_text.h"
 #include "tests/support/test_support.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include "common/debug_log.h"
 #include "common/settings.h"
-#include "tests/common/file_text.h"
+#include "tests/support/file_text.h"
 #include "tests/support/test_support.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Whole files as strings, byte for byte, for the settings tests.
+// Whole files as strings, byte for byte.
 #pragma once
 
 #include <filesystem>
