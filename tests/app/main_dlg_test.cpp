@@ -23,6 +23,19 @@ namespace {
 
 using namespace std::chrono_literals;
 
+int ThreadCount() {
+    return static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/task"),
+                                          std::filesystem::directory_iterator()));
+}
+
+std::string ThreadNames() {
+    std::string names;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        names += ReadFileText(task.path() / "comm");
+    }
+    return names;
+}
+
 class MainDlgTest : public SessionTest {
 protected:
     void SetUp() override {
@@ -119,6 +132,7 @@ TEST_F(MainDlgTest, EnterAndEscapeNeverCloseAndSaveWritesTheFile) {
 }
 
 TEST_F(MainDlgTest, CancelKeepsRunningAndOkTearsDownInOrder) {
+    const int threadsBefore = ThreadCount();
     Open();
     ASSERT_TRUE(ProcessEventsUntil(
         [&] { return Control().lbOrvaneConn->text() == QString::fromStdString(GetStringRes(163)); }));
@@ -143,8 +157,12 @@ TEST_F(MainDlgTest, CancelKeepsRunningAndOkTearsDownInOrder) {
     ASSERT_TRUE(ProcessEventsUntil([&] { return done; }));
     EXPECT_FALSE(Control().IsWaitingDlgShown());
     EXPECT_FALSE(dialog->isVisible());
-    // The session let go of both links when it was released.
+    // The session let go of both links when it was released, and joined its threads.
     EXPECT_TRUE(emulator->WaitForClientGone(5s));
+    // Qt's D-Bus connection and thread pool and the camera monitor stay for the
+    // life of the process; everything of the session is gone.
+    EXPECT_TRUE(Eventually([&] { return ThreadCount() <= threadsBefore + 3; }))
+        << ThreadCount() << " threads, " << threadsBefore << " before: " << ThreadNames();
 }
 
 }  // namespace
