@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include "common/settings.h"
+#include "common/speech.h"
 #include "common/string_res.h"
 #include "tests/session/session_fixture.h"
 #include "tests/support/file_text.h"
@@ -52,6 +53,7 @@ protected:
     }
     void TearDown() override {
         dialog.reset();
+        TTS_DeInit();  // what the window's closing does when the user quits
         Orvane::OrvManager::ReleaseInstance();
         OrvSettings::ReleaseInstance();
         SessionTest::TearDown();
