@@ -179,7 +179,7 @@ void CMainDlg::OnOrvShot() { PostMessageTo(this, WM_ORV_SHOT, 0, 0); }
 bool CMainDlg::event(QEvent* event) {
     if (event->type() == PostedMessage::Type()) {
         const auto* posted = static_cast<const PostedMessage*>(event);
-        HandleMessage(posted->message, posted->wParam, posted->lParam);
+        HandleMessage(posted->Message(), posted->WParam(), posted->LParam());
         return true;
     }
     return QDialog::event(event);

@@ -4,6 +4,7 @@
 
 #include <QEvent>
 #include <cstdint>
+#include <mutex>
 
 class QObject;
 
@@ -23,12 +24,19 @@ class PostedMessage : public QEvent {
 public:
     static QEvent::Type Type();
 
-    PostedMessage(uint32_t id, intptr_t first, intptr_t second)
-        : QEvent(Type()), message(id), wParam(first), lParam(second) {}
+    PostedMessage(uint32_t id, intptr_t first, intptr_t second);
 
-    const uint32_t message;
-    const intptr_t wParam;
-    const intptr_t lParam;
+    uint32_t Message() const;
+    intptr_t WParam() const;
+    intptr_t LParam() const;
+
+private:
+    // Publishes the fields to the receiving thread in a way the thread
+    // sanitizer sees: Qt's own queue lock lives in an uninstrumented library.
+    mutable std::mutex handOver_;
+    uint32_t message_;
+    intptr_t wParam_;
+    intptr_t lParam_;
 };
 
 // Safe from any thread; the receiver handles it in its event loop.
