@@ -1,0 +1,34 @@
+// Resident memory of a whole session after 100 and after 10,000 swings.
+//
+//   swing_memory_bench [swings]
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "bench/session/bench_session.h"
+
+int main(int argc, char** argv) {
+    const int swings = argc > 1 ? std::max(200, std::atoi(argv[1])) : 10000;
+    orv::bench::BenchSession session;
+    if (!session.Start()) {
+        return 1;
+    }
+    long after100 = 0;
+    for (int i = 1; i <= swings; ++i) {
+        if (session.SwingMicros() < 0) {
+            std::fprintf(stderr, "swing %d brought no shot\n", i);
+            return 1;
+        }
+        if (i == 100) {
+            after100 = orv::bench::ResidentKb();
+        }
+    }
+    const long afterAll = orv::bench::ResidentKb();
+    // Noise: allocator arenas and thread stacks settle within a few hundred KiB.
+    const long growth = afterAll - after100;
+    orv::bench::PrintRow("Resident memory after 100 / " + std::to_string(swings) + " swings",
+                         std::to_string(after100) + " KiB / " + std::to_string(afterAll) +
+                             " KiB (" + (growth >= 0 ? "+" : "") + std::to_string(growth) + " KiB)",
+                         "flat (growth < 512 KiB)", growth < 512);
+    return 0;
+}
