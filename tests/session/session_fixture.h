@@ -75,6 +75,8 @@ protected:
     std::shared_ptr<VirtualSensor> sensor;
     std::unique_ptr<orv::TruSimEmulator> emulator;
     int port = 0;
+    // Between a shot and the simulator arming again; read by StartEmulator.
+    std::chrono::milliseconds emulatorRearmDelay{100};
     Orvane::OrvManagerConfig config;
     UiRecorder ui;
     RecordingProbe recording;
