@@ -89,6 +89,9 @@ TEST_F(SimulatorFaults, UnansweredHandshakeHoldsShotsBackUntilTheSimulatorAnswer
     ASSERT_TRUE(Eventually([&] { return ui.Count("shot") == 1; }));
     EXPECT_FALSE(manager->GetE6()->IsAuthenticated());
     EXPECT_EQ(ShotSequence(emulator->Received()).size(), 0u);
+    // Connected, never authenticated: the one line that tells the story.
+    EXPECT_EQ(CountOf(log.Text(), "E6 Client OnConnect.\n"), 1u);
+    EXPECT_FALSE(ui.Saw("e6:1"));
 
     // The simulator comes to its senses and starts the conversation anew.
     const int connections = emulator->Connections();

@@ -57,6 +57,11 @@ class Soak : public FaultSession {
 protected:
     void SetUp() override {
         FaultSession::SetUp();
+        // Swing steps and re-arming as fast as the links allow.
+        VirtualSensorTiming timing;
+        timing.answerDelay = 1ms;
+        timing.stepGap = 2ms;
+        sensor = std::make_shared<VirtualSensor>("orvane-demo", timing);
         emulator->Stop();
         emulatorRearmDelay = 1ms;
         StartEmulator();
@@ -87,7 +92,7 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
     long rssAfterWarmUp = 0;
     int incomplete = 0;
     for (int swing = 1; swing <= kSwings; ++swing) {
-        ASSERT_TRUE(Eventually([&] { return Armed(); }, 10s)) << "swing " << swing;
+        ASSERT_TRUE(Eventually([&] { return Armed(); }, 10s, 1ms)) << "swing " << swing;
         emulator->ClearReceived();
         sensor->TriggerSwing(DriverSwing());
         ASSERT_TRUE(emulator->WaitForShots(static_cast<size_t>(swing), 10s)) << "swing " << swing;
