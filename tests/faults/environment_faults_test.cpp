@@ -5,13 +5,11 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "ble/bluez/make_bluez_stack.h"
 #include "common/settings.h"
 #include "common/user_depends_data.h"
-#include "tests/ble/fake_bluez/fake_bluez.h"
-#include "tests/ble/fake_bluez/private_system_bus.h"
 #include "tests/common/file_text.h"
 #include "tests/faults/fault_session.h"
+#include "tests/session/session_over_bluez.h"
 
 namespace orv::test {
 namespace {
@@ -106,26 +104,10 @@ TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFi
     EXPECT_NE(ReadFileText(ini).find("SwingLevel=0"), std::string::npos);
 }
 
-class BluetoothdFaults : public FaultSession {
-protected:
-    PrivateSystemBus bus;  // outlives every client of the bus
-    FakeBluez bluez;
-};
+class BluetoothdFaults : public SessionOverBluezOf<FaultSession> {};
 
 TEST_F(BluetoothdFaults, BluetoothdRestartIsLivedThroughAndTheSensorReconnects) {
-    ASSERT_TRUE(bus.ok());
-    bluez.AddAdapter();
-    FakeDeviceConfig device;
-    device.address = "C0:DE:5E:45:00:01";
-    device.name = "orvane-demo";
-    device.sensor = sensor;
-    bluez.AddDevice(device);
-    ASSERT_TRUE(bluez.Start());
-    config.makeBleStack = [] {
-        BluezTiming timing;
-        timing.adapterWait = 100ms;
-        return MakeBluezStack(timing);
-    };
+    ASSERT_TRUE(StartBluez());
     LogCapture log;
     StartManager();
     ASSERT_TRUE(SwingBecomesOneShot());

@@ -25,7 +25,9 @@ TEST_F(SimulatorFaults, ConnectionDroppedMidMessageIsReopened) {
         ASSERT_TRUE(emulator->DropConnection(reset));
         ASSERT_TRUE(ReconnectedAndReady(connections));
         const std::string during = log.Text().substr(before.size());
-        EXPECT_EQ(CountOf(during, "E6 Client OnDisconnect.\n"), 1u) << during;
+        // A send that meets the dead link at the same moment reports it too.
+        const size_t lines = CountOf(during, "E6 Client OnDisconnect.\n");
+        EXPECT_TRUE(lines == 1 || lines == 2) << during;
         // The half message died with its link: nothing tried to read it.
         EXPECT_EQ(CountOf(during, "Error:"), 0u) << during;
         ASSERT_TRUE(SwingBecomesOneShot());

@@ -79,12 +79,7 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
     const auto started = std::chrono::steady_clock::now();
 
     CountingUi counting;
-    manager = std::make_unique<Orvane::OrvManager>();
-    config.simulatorPort = port;
-    manager->SetConfig(config);
-    manager->SetCallback(&counting);
-    manager->SetRecordingControl(&recording);
-    manager->Start();
+    StartManager(&counting);
     ASSERT_TRUE(Eventually([&] { return counting.connected.load() && Armed(); }));
 
     const std::vector<std::string> oneShot = {"SetBallData", "SetClubData", "SetMiscData",

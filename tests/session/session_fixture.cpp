@@ -122,11 +122,11 @@ void SessionTest::StartEmulator() {
     port = emulator->Port();
 }
 
-void SessionTest::StartManager() {
+void SessionTest::StartManager(Orvane::OrvManagerCallback* listener) {
     manager = std::make_unique<Orvane::OrvManager>();
     config.simulatorPort = port;
     manager->SetConfig(config);
-    manager->SetCallback(&ui);
+    manager->SetCallback(listener != nullptr ? listener : &ui);
     manager->SetRecordingControl(&recording);
     manager->Start();
 }
