@@ -116,17 +116,17 @@ void SessionTest::StartEmulator() {
     orv::TruSimEmulatorOptions options;
     options.bindAddress = "127.0.0.1";
     options.port = port;
-    options.rearmDelay = 100ms;
+    options.rearmDelay = emulatorRearmDelay;
     emulator = std::make_unique<orv::TruSimEmulator>(options);
     ASSERT_TRUE(emulator->Start());
     port = emulator->Port();
 }
 
-void SessionTest::StartManager() {
+void SessionTest::StartManager(Orvane::OrvManagerCallback* listener) {
     manager = std::make_unique<Orvane::OrvManager>();
     config.simulatorPort = port;
     manager->SetConfig(config);
-    manager->SetCallback(&ui);
+    manager->SetCallback(listener != nullptr ? listener : &ui);
     manager->SetRecordingControl(&recording);
     manager->Start();
 }

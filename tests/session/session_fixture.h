@@ -64,7 +64,8 @@ protected:
 
     // The simulator's port stays the same across its restarts.
     void StartEmulator();
-    void StartManager();
+    // `listener` stands in for the UI; null means the recorder `ui`.
+    void StartManager(Orvane::OrvManagerCallback* listener = nullptr);
     // Sensor connected (firmware answered) and simulator authenticated and armed.
     bool WaitReady();
     // Frames the sensor received since the last clear, with `code` first.
@@ -75,6 +76,8 @@ protected:
     std::shared_ptr<VirtualSensor> sensor;
     std::unique_ptr<orv::TruSimEmulator> emulator;
     int port = 0;
+    // Between a shot and the simulator arming again; read by StartEmulator.
+    std::chrono::milliseconds emulatorRearmDelay{100};
     Orvane::OrvManagerConfig config;
     UiRecorder ui;
     RecordingProbe recording;

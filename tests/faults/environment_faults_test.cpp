@@ -1,0 +1,129 @@
+// Faults around the session: a corrupt or unwritable settings file, and
+// bluetoothd restarting under the BlueZ backend.
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include "common/settings.h"
+#include "common/user_depends_data.h"
+#include "tests/common/file_text.h"
+#include "tests/faults/fault_session.h"
+#include "tests/session/session_over_bluez.h"
+
+namespace orv::test {
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+// Makes a folder refuse new entries for its lifetime: no write permission,
+// and for root (who ignores permissions) the immutable flag as well.
+class ReadOnlyFolder {
+public:
+    explicit ReadOnlyFolder(fs::path folder) : folder_(std::move(folder)) {
+        fs::permissions(folder_, fs::perms::owner_read | fs::perms::owner_exec);
+        SetImmutable(true);
+    }
+    ~ReadOnlyFolder() {
+        SetImmutable(false);
+        fs::permissions(folder_, fs::perms::owner_all);
+    }
+    // Whether the folder really refuses a new file here.
+    bool Refuses() const {
+        const fs::path probe = folder_ / "probe";
+        const int fd = ::open(probe.c_str(), O_CREAT | O_WRONLY, 0600);
+        if (fd < 0) {
+            return true;
+        }
+        ::close(fd);
+        fs::remove(probe);
+        return false;
+    }
+
+private:
+    void SetImmutable(bool on) {
+        const int fd = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY);
+        if (fd < 0) {
+            return;
+        }
+        int flags = 0;
+        if (::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0) {
+            flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
+            ::ioctl(fd, FS_IOC_SETFLAGS, &flags);
+        }
+        ::close(fd);
+    }
+    fs::path folder_;
+};
+
+class EnvironmentFaults : public FaultSession {
+protected:
+    void TearDown() override {
+        FaultSession::TearDown();
+        OrvSettings::ReleaseInstance();
+    }
+};
+
+TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFile) {
+    TempDir dir;
+    const fs::path ini = dir.path() / "settings.ini";
+    const std::string garbage("[Golf]\nSwingLevel=2\n\0\x01\xff\xfe garbage", 30);
+    WriteFileText(ini, garbage);
+    gUserDependsData.swingLevel = 2;
+
+    LogCapture log;
+    OrvSettings* settings = OrvSettings::GetInstanceIn(dir.path());
+    ASSERT_NE(settings, nullptr);
+    EXPECT_EQ(settings->GetDifficulty(), 1);  // the default, not the 2 in the garbage
+    EXPECT_EQ(CountOf(log.Text(), "settings.ini: not a text file\n"), 1u) << log.Text();
+
+    // The session runs on the defaults.
+    StartManager();
+    ASSERT_TRUE(SwingBecomesOneShot());
+
+    // The folder takes no new file: the save fails once, loudly, and the
+    // old file stays as it was.
+    {
+        ReadOnlyFolder readOnly(dir.path());
+        if (!readOnly.Refuses()) {
+            GTEST_SKIP() << "this file system lets the folder be written all the same";
+        }
+        const std::string before = log.Text();
+        settings->SetDifficulty(0);
+        settings->SaveSetting();
+        const std::string during = log.Text().substr(before.size());
+        EXPECT_EQ(CountOf(during, "mkostemp error:"), 1u) << during;
+    }
+    EXPECT_EQ(ReadFileText(ini), garbage);
+    ASSERT_TRUE(SwingBecomesOneShot());
+    EXPECT_TRUE(manager->IsRunning());
+
+    // Writable again, the next save goes through.
+    settings->SaveSetting();
+    EXPECT_NE(ReadFileText(ini).find("SwingLevel=0"), std::string::npos);
+}
+
+class BluetoothdFaults : public SessionOverBluezOf<FaultSession> {};
+
+TEST_F(BluetoothdFaults, BluetoothdRestartIsLivedThroughAndTheSensorReconnects) {
+    ASSERT_TRUE(StartBluez());
+    LogCapture log;
+    StartManager();
+    ASSERT_TRUE(SwingBecomesOneShot());
+
+    ui.Clear();
+    bluez.Stop();
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }));
+    EXPECT_EQ(CountOf(log.Text(), "Ble disconnected\n"), 1u) << log.Text();
+    ASSERT_TRUE(bluez.Start());
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 15s));
+    ASSERT_TRUE(SwingBecomesOneShot());
+    EXPECT_EQ(ShotCount(), 2u);
+
+    manager->Stop();
+    manager.reset();
+}
+
+}  // namespace
+}  // namespace orv::test

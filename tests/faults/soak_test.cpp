@@ -1,0 +1,129 @@
+// Ten thousand swings through the whole session: every one must arrive as one
+// complete shot, and threads, descriptors and memory must stay where they were.
+#include <dirent.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+
+#include "tests/faults/fault_session.h"
+
+namespace orv::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kSwings = 10000;
+constexpr int kWarmUp = 1000;
+// Growth allowed between the warm-up and the end. The stand-in simulator
+// keeps every shot's record (about 100 bytes each), which accounts for ~1 MiB.
+constexpr long kRssMarginKiB = 4 * 1024;
+
+int EntriesIn(const char* folder) {
+    int count = 0;
+    if (DIR* dir = opendir(folder)) {
+        while (dirent* entry = readdir(dir)) {
+            count += entry->d_name[0] != '.';
+        }
+        closedir(dir);
+    }
+    return count;
+}
+
+long RssKiB() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("VmRSS:", 0) == 0) {
+            return std::stol(line.substr(6));
+        }
+    }
+    return -1;
+}
+
+// Counts UI events without keeping them, so the test itself does not grow.
+class CountingUi : public Orvane::OrvManagerCallback {
+public:
+    void OnOrvE6ConnectionChanged(bool) override {}
+    void OnOrvOrvaneConnectionChanged(int state) override { connected = state == 3; }
+    void OnOrvOrvaneBatteryState(int) override {}
+    void OnOrvShot() override { ++shots; }
+    void OnOrvReady() override {}
+    std::atomic<bool> connected{false};
+    std::atomic<int> shots{0};
+};
+
+class Soak : public FaultSession {
+protected:
+    void SetUp() override {
+        FaultSession::SetUp();
+        // Swing steps and re-arming as fast as the links allow.
+        VirtualSensorTiming timing;
+        timing.answerDelay = 1ms;
+        timing.stepGap = 2ms;
+        sensor = std::make_shared<VirtualSensor>("orvane-demo", timing);
+        emulator->Stop();
+        emulatorRearmDelay = 1ms;
+        StartEmulator();
+    }
+    bool Armed() const {
+        E6TruSimClient* client = manager->GetE6();
+        return client != nullptr && client->IsAuthenticated() && client->GetArmState() == 0 &&
+               client->GetCurrentClub() != 0;
+    }
+};
+
+TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
+    const int threadsBefore = EntriesIn("/proc/self/task");
+    const int fdsBefore = EntriesIn("/proc/self/fd");
+    const auto started = std::chrono::steady_clock::now();
+
+    CountingUi counting;
+    StartManager(&counting);
+    ASSERT_TRUE(Eventually([&] { return counting.connected.load() && Armed(); }));
+
+    const std::vector<std::string> oneShot = {"SetBallData", "SetClubData", "SetMiscData",
+                                              "SendShot"};
+    long rssAfterWarmUp = 0;
+    int incomplete = 0;
+    for (int swing = 1; swing <= kSwings; ++swing) {
+        ASSERT_TRUE(Eventually([&] { return Armed(); }, 10s, 1ms)) << "swing " << swing;
+        emulator->ClearReceived();
+        sensor->TriggerSwing(DriverSwing());
+        ASSERT_TRUE(emulator->WaitForShots(static_cast<size_t>(swing), 10s)) << "swing " << swing;
+        if (ShotSequence(emulator->Received()) != oneShot) {
+            ++incomplete;
+        }
+        if (swing % 500 == 0) {
+            sensor->ClearWrittenFrames();  // the sensor's own record of commands
+        }
+        if (swing == kWarmUp) {
+            rssAfterWarmUp = RssKiB();
+        }
+    }
+    const long rssAtEnd = RssKiB();
+    EXPECT_EQ(incomplete, 0);
+    EXPECT_EQ(emulator->Shots().size(), static_cast<size_t>(kSwings));
+    EXPECT_TRUE(Eventually([&] { return counting.shots.load() == kSwings; }));
+
+    manager->Stop();
+    manager.reset();
+    // Counted with the sensor and the simulator still up, as before the start.
+    ASSERT_TRUE(emulator->WaitForClientGone(5s));
+    Eventually([&] { return EntriesIn("/proc/self/task") <= threadsBefore; }, 2s);
+    const int threadsAfter = EntriesIn("/proc/self/task");
+    const int fdsAfter = EntriesIn("/proc/self/fd");
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    std::printf(
+        "soak: %d swings in %.1f s; threads %d -> %d; fds %d -> %d; VmRSS %ld KiB after "
+        "%d, %ld KiB after %d\n",
+        kSwings, seconds, threadsBefore, threadsAfter, fdsBefore, fdsAfter, rssAfterWarmUp, kWarmUp,
+        rssAtEnd, kSwings);
+    EXPECT_LE(threadsAfter, threadsBefore);
+    EXPECT_LE(fdsAfter, fdsBefore);
+    EXPECT_LE(rssAtEnd - rssAfterWarmUp, kRssMarginKiB);
+}
+
+}  // namespace
+}  // namespace orv::test
