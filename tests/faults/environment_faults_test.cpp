@@ -7,7 +7,7 @@
 
 #include "common/settings.h"
 #include "common/user_depends_data.h"
-#include "tests/common/file_text.h"
+#include "tests/support/file_text.h"
 #include "tests/faults/fault_session.h"
 #include "tests/session/session_over_bluez.h"
 
