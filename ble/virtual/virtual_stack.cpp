@@ -148,6 +148,7 @@ BleResult VirtualStack::Discover(BleRadio* radio, std::chrono::milliseconds limi
                 inRange.push_back(peripheral.address);
             }
         }
+        reported_ = inRange;
     }
     events_.Post(
         [this] { sink_.Dispatch([this](BleStackEvents& e) { e.OnDiscoveringStarted(&radio_); }); });
@@ -159,6 +160,8 @@ BleResult VirtualStack::Discover(BleRadio* radio, std::chrono::milliseconds limi
         });
     }
     const auto end = std::max(limit, timing_.foundGap * static_cast<int>(inRange.size() + 1));
+    const auto scanEnd = std::chrono::steady_clock::now() + end;
+    events_.PostAfter(timing_.advertInterval, [this, scanEnd] { ListenForAdverts(scanEnd); });
     events_.PostAfter(end, [this] {
         {
             std::lock_guard lock(mutex_);
@@ -167,6 +170,27 @@ BleResult VirtualStack::Discover(BleRadio* radio, std::chrono::milliseconds limi
         sink_.Dispatch([this](BleStackEvents& e) { e.OnDiscoveringCompleted(&radio_, BLE_OK); });
     });
     return BLE_OK;
+}
+
+void VirtualStack::ListenForAdverts(std::chrono::steady_clock::time_point end) {
+    std::vector<uint64_t> heard;
+    {
+        std::lock_guard lock(mutex_);
+        if (!discovering_ || std::chrono::steady_clock::now() + timing_.advertInterval >= end) {
+            return;
+        }
+        for (const VirtualPeripheral& peripheral : peripherals_) {
+            if (InRange(peripheral) && std::find(reported_.begin(), reported_.end(),
+                                                 peripheral.address) == reported_.end()) {
+                reported_.push_back(peripheral.address);
+                heard.push_back(peripheral.address);
+            }
+        }
+    }
+    for (const uint64_t address : heard) {
+        sink_.Dispatch([this, address](BleStackEvents& e) { e.OnDeviceFound(&radio_, address); });
+    }
+    events_.PostAfter(timing_.advertInterval, [this, end] { ListenForAdverts(end); });
 }
 
 BleResult VirtualStack::GetRemoteName(BleRadio* /*radio*/, uint64_t address, std::string& name) {

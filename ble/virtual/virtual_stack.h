@@ -56,6 +56,9 @@ struct VirtualStackFaults {
 struct VirtualStackTiming {
     std::chrono::milliseconds connect{20};  // connect call to connect event
     std::chrono::milliseconds foundGap{2};  // between two devices found
+    // How often a scan hears the advertisements of a device that came into
+    // range after it started (a sensor advertises several times a second).
+    std::chrono::milliseconds advertInterval{100};
 };
 
 class VirtualStack final : public BleStack, private VirtualSensorHost {
@@ -120,6 +123,10 @@ private:
     void SensorLinkDropped() override;
 
     bool InRange(const VirtualPeripheral& peripheral) const;
+
+    // Reports devices that came into range during the scan, until `end`.
+
+    void ListenForAdverts(std::chrono::steady_clock::time_point end);
     uint64_t TargetAddress() const;
     VirtualPeripheral* FindPeripheral(uint64_t address);
     Attribute* FindAttribute(uint16_t handle);
@@ -141,6 +148,7 @@ private:
     std::vector<VirtualPeripheral> peripherals_;
     bool open_ = false;
     bool discovering_ = false;
+    std::vector<uint64_t> reported_;  // devices this scan has reported
     uint64_t targetAddress_ = 0;
     Link link_ = Link::Idle;
     uint64_t linkAttempt_ = 0;  // tells a stale connect completion from the current one
