@@ -16,7 +16,6 @@ void Line(const std::string& text) {
 
 }  // namespace
 
-
 void ConsoleReporter::OnOrvE6ConnectionChanged(bool connected) {
     Line(connected ? "Simulator: connected" : "Simulator: disconnected");
 }
@@ -33,8 +32,7 @@ void ConsoleReporter::OnOrvOrvaneConnectionChanged(int state) {
             Line("Sensor: connecting");
             break;
         case 3:
-            Line("Sensor: connected, firmware " +
-                 manager_.GetDeviceVersion());
+            Line("Sensor: connected, firmware " + manager_.GetDeviceVersion());
             break;
         default:
             break;
@@ -47,8 +45,7 @@ void ConsoleReporter::OnOrvOrvaneBatteryState(int percent) {
 
 void ConsoleReporter::OnOrvShot() {
     const int number = ++shots_;
-    Line("Shot " + std::to_string(number) + ": " +
-         ShotLine(manager_.GetLastShot()));
+    Line("Shot " + std::to_string(number) + ": " + ShotLine(manager_.GetLastShot()));
 }
 
 }  // namespace orv

@@ -1,3 +1,5 @@
 #include "app/orvane_win_app.h"
 
-int main(int argc, char** argv) { return orv::COrvaneWinApp().Run(argc, argv); }
+int main(int argc, char** argv) {
+    return orv::COrvaneWinApp().Run(argc, argv);
+}

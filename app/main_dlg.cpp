@@ -29,7 +29,9 @@ namespace orv {
 
 namespace {
 
-QString Res(unsigned id) { return QString::fromStdString(GetStringRes(id)); }
+QString Res(unsigned id) {
+    return QString::fromStdString(GetStringRes(id));
+}
 
 // Show and hide commands of the preview window.
 constexpr int kShow = 5;
@@ -90,8 +92,7 @@ bool CMainDlg::OnInitDialog() {
     connect(control_, &OrvaneWinUI::OrvaneUIControl::StartClicked, this, [this] { OnRunE6(); });
     connect(control_, &OrvaneWinUI::OrvaneUIControl::SaveClicked, this, [this] { OnSave(); });
     connect(control_, &OrvaneWinUI::OrvaneUIControl::ManualClicked, this, [this] { OnManual(); });
-    connect(control_, &OrvaneWinUI::OrvaneUIControl::SupportClicked, this,
-            [this] { OnSupport(); });
+    connect(control_, &OrvaneWinUI::OrvaneUIControl::SupportClicked, this, [this] { OnSupport(); });
     connect(control_, &OrvaneWinUI::OrvaneUIControl::ShowShotYesClicked, this,
             [this] { OnShowShotOption(); });
     connect(control_, &OrvaneWinUI::OrvaneUIControl::ShowShotNoClicked, this,
@@ -128,7 +129,9 @@ bool CMainDlg::CreateRecordPreview() {
     return preview_ != nullptr;
 }
 
-void CMainDlg::ReleaseRecordPreview() { preview_.reset(); }
+void CMainDlg::ReleaseRecordPreview() {
+    preview_.reset();
+}
 
 void CMainDlg::ShowPreviewPerSettings() {
     if (preview_) {
@@ -174,7 +177,9 @@ void CMainDlg::OnOrvOrvaneBatteryState(int percent) {
     PostMessageTo(this, WM_ORV_BATTERY, 0, percent);
 }
 
-void CMainDlg::OnOrvShot() { PostMessageTo(this, WM_ORV_SHOT, 0, 0); }
+void CMainDlg::OnOrvShot() {
+    PostMessageTo(this, WM_ORV_SHOT, 0, 0);
+}
 
 bool CMainDlg::event(QEvent* event) {
     if (event->type() == PostedMessage::Type()) {
@@ -221,9 +226,9 @@ void CMainDlg::HandleMessage(uint32_t message, intptr_t /*wParam*/, intptr_t lPa
 }
 
 void CMainDlg::OnE6StateChanged(intptr_t connected) {
-    control_->lbE6Conn->SetStatus(Res(connected == 1 ? 176 : 177),
-                                  connected == 1 ? OrvaneWinUI::kConnectedColor
-                                                 : OrvaneWinUI::kDisconnectedColor);
+    control_->lbE6Conn->SetStatus(
+        Res(connected == 1 ? 176 : 177),
+        connected == 1 ? OrvaneWinUI::kConnectedColor : OrvaneWinUI::kDisconnectedColor);
 }
 
 void CMainDlg::OnOrvaneStateChanged(intptr_t state) {
@@ -231,9 +236,9 @@ void CMainDlg::OnOrvaneStateChanged(intptr_t state) {
     if (state < 0 || state > 3) {
         return;
     }
-    control_->lbOrvaneConn->SetStatus(
-        Res(kLabels[state]),
-        state == 3 ? OrvaneWinUI::kConnectedColor : OrvaneWinUI::kDisconnectedColor);
+    control_->lbOrvaneConn->SetStatus(Res(kLabels[state]), state == 3
+                                                               ? OrvaneWinUI::kConnectedColor
+                                                               : OrvaneWinUI::kDisconnectedColor);
     // The session is gone once closing has begun.
     if (state != 3 || closing_) {
         return;
@@ -294,7 +299,9 @@ void CMainDlg::OnSupport() {
     AskAndOpen(this, Res(173), HelpPageUrl(DefaultWebSite(), HelpPage::kSupport));
 }
 
-void CMainDlg::OnShowShotOption() { QMessageBox::information(this, windowTitle(), Res(180)); }
+void CMainDlg::OnShowShotOption() {
+    QMessageBox::information(this, windowTitle(), Res(180));
+}
 
 void CMainDlg::OnVersionChecked(const VersionCheckResult& result) {
     if (result.status != VersionCheckStatus::kOk) {

@@ -53,6 +53,8 @@ bool RecordPreview::StartPreview(int showCommand) {
     return preview_ && preview_->StartPreview(showCommand);
 }
 
-Orvane::RecordingControl* RecordPreview::Recorder() const { return recorder_.get(); }
+Orvane::RecordingControl* RecordPreview::Recorder() const {
+    return recorder_.get();
+}
 
 }  // namespace orv

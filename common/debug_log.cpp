@@ -27,10 +27,9 @@ void ORV_PRINTF_LIKE(4, 0)
     std::vsnprintf(message, sizeof message, format, args);
     const std::string_view name = orv::QualifiedFunctionName(function ? function : "");
     char prefix[kBufferSize];
-    std::snprintf(prefix, sizeof prefix,
-                  error ? "!!! ERROR [%lld] [%.*s(%d)] " : "[%lld] [%.*s(%d)] ",
-                  static_cast<long long>(WallClockMs()),
-                  static_cast<int>(name.size()), name.data(), line);
+    std::snprintf(
+        prefix, sizeof prefix, error ? "!!! ERROR [%lld] [%.*s(%d)] " : "[%lld] [%.*s(%d)] ",
+        static_cast<long long>(WallClockMs()), static_cast<int>(name.size()), name.data(), line);
     Emit(prefix, message);
 }
 
@@ -42,8 +41,12 @@ bool ShowLog(bool showLog, bool showDump) {
     return showDump;
 }
 
-bool IsShowLog() { return gShowLog.load(std::memory_order_relaxed); }
-bool IsShowDump() { return gShowDump.load(std::memory_order_relaxed); }
+bool IsShowLog() {
+    return gShowLog.load(std::memory_order_relaxed);
+}
+bool IsShowDump() {
+    return gShowDump.load(std::memory_order_relaxed);
+}
 
 void PrintLog(const char* function, int line, const char* format, ...) {
     if (!IsShowLog()) {

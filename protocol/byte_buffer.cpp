@@ -36,7 +36,7 @@ void bb_free(bb** buffer) {
         return;
     }
     if ((*buffer)->borrowed == 0) {
-        delete[] (*buffer)->data;
+        delete[](*buffer)->data;
     }
     delete *buffer;
     *buffer = nullptr;
@@ -73,16 +73,16 @@ uint8_t bb_get(bb* buffer) {
 }
 
 uint16_t bb_get_short(bb* buffer) {
-    const uint16_t value =
-        static_cast<uint16_t>(bb_get_at(buffer, buffer->pos) * 256 +
-                              (InRange(buffer, int64_t{buffer->pos} + 1)
-                                   ? buffer->data[buffer->pos + 1]
-                                   : 0));
+    const uint16_t value = static_cast<uint16_t>(
+        bb_get_at(buffer, buffer->pos) * 256 +
+        (InRange(buffer, int64_t{buffer->pos} + 1) ? buffer->data[buffer->pos + 1] : 0));
     buffer->pos += 2;
     return value;
 }
 
-void bb_skip(bb* buffer, int32_t count) { buffer->pos += count; }
+void bb_skip(bb* buffer, int32_t count) {
+    buffer->pos += count;
+}
 
 std::string bytesToHexString(const uint8_t* data, size_t size) {
     static constexpr char kDigits[] = "0123456789ABCDEF";

@@ -15,7 +15,9 @@ const __code_tag* Find(const OrvCodeTable& table, uint8_t code) {
     return it == table.end() ? nullptr : &it->second;
 }
 
-char FoldAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+char FoldAscii(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 }  // namespace
 
@@ -91,10 +93,18 @@ const OrvCodeTable gOrvClubCodeDef = MakeTable({
     {0x11, "4Hybrid", "4 Hybrid"},
 });
 
-const __code_tag* OrvGetCommandCodeDef(uint8_t code) { return Find(gOrvCommand, code); }
-const __code_tag* OrvGetDataCodeDef(uint8_t code) { return Find(gOrvData, code); }
-const __code_tag* OrvGetResultCodeDef(uint8_t code) { return Find(gOrvResultCodeDef, code); }
-const __code_tag* OrvGetClubCodeDef(uint8_t code) { return Find(gOrvClubCodeDef, code); }
+const __code_tag* OrvGetCommandCodeDef(uint8_t code) {
+    return Find(gOrvCommand, code);
+}
+const __code_tag* OrvGetDataCodeDef(uint8_t code) {
+    return Find(gOrvData, code);
+}
+const __code_tag* OrvGetResultCodeDef(uint8_t code) {
+    return Find(gOrvResultCodeDef, code);
+}
+const __code_tag* OrvGetClubCodeDef(uint8_t code) {
+    return Find(gOrvClubCodeDef, code);
+}
 
 const __code_tag* OrvGetClubCodeDef(const char* name) {
     if (name == nullptr) {

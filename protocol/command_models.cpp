@@ -15,7 +15,9 @@ uint32_t TruncateToUint32(double value) {
 
 }  // namespace
 
-OrvCmdBaseModel::~OrvCmdBaseModel() { bb_free(&packet); }
+OrvCmdBaseModel::~OrvCmdBaseModel() {
+    bb_free(&packet);
+}
 
 bb* OrvCmdBaseModel::MakeSendPacket() {
     bb_free(&packet);
@@ -35,7 +37,9 @@ bb* OrvCmdBaseModel::MakeSendPacket() {
     return packet;
 }
 
-void OrvCmdHandsReqModel::MakePacket(bb* buffer) { bb_put(buffer, static_cast<uint8_t>(hand)); }
+void OrvCmdHandsReqModel::MakePacket(bb* buffer) {
+    bb_put(buffer, static_cast<uint8_t>(hand));
+}
 
 void OrvCmdStateSyncModel::MakePacket(bb* buffer) {
     bb_put(buffer, state1);

@@ -10,7 +10,9 @@ float Scaled(uint32_t raw, double divisor) {
     return static_cast<float>(static_cast<double>(raw) / divisor);
 }
 
-int16_t GetSigned(bb* frame) { return static_cast<int16_t>(bb_get_short(frame)); }
+int16_t GetSigned(bb* frame) {
+    return static_cast<int16_t>(bb_get_short(frame));
+}
 
 // The six motion samples that raw and simulator-raw records open with.
 void ReadSamples(bb* frame, int16_t& ax, int16_t& ay, int16_t& az, int16_t& gx, int16_t& gy,
@@ -91,8 +93,8 @@ void OrvDataSwingInfoModel::ToLog() const {
              "%f\nClubReleaseRatio: %d\n=====================================\n\n",
              DistanceUnit, static_cast<double>(SwingDistance), SpeedUnit,
              static_cast<double>(HeadSpeed), static_cast<double>(Tempo), ClubPathDir,
-             static_cast<double>(ClubPath), FaceAngleDir, static_cast<double>(FaceAngle),
-             SwingType, static_cast<double>(SensorSpeed), ClubReleaseRatio);
+             static_cast<double>(ClubPath), FaceAngleDir, static_cast<double>(FaceAngle), SwingType,
+             static_cast<double>(SensorSpeed), ClubReleaseRatio);
 }
 
 bool OrvDataRawModel::Parse(bb* frame) {
@@ -136,4 +138,6 @@ bool OrvDataLRSig::Parse(bb* frame) {
     return true;
 }
 
-int OrvDataLRSig::GetCount() const { return side == 1 ? -static_cast<int>(count) : count; }
+int OrvDataLRSig::GetCount() const {
+    return side == 1 ? -static_cast<int>(count) : count;
+}

@@ -45,7 +45,9 @@ OrvManager::~OrvManager() {
     Stop();
 }
 
-void OrvManager::SetConfig(OrvManagerConfig newConfig) { config = std::move(newConfig); }
+void OrvManager::SetConfig(OrvManagerConfig newConfig) {
+    config = std::move(newConfig);
+}
 
 void OrvManager::Start() {
     LOG_INFO("Start\n");
@@ -290,19 +292,20 @@ void OrvManager::ParsePacket(bb* buffer) {
         return;
     }
     PrintRaw("Recv Data: %s\n", tag->name);
-    orv::VisitDataRecord(buffer, orv::Overloaded{
-                                     [this](OrvDataEchoModel& r) { HandleEcho(r); },
-                                     [this](OrvDataClubInfoModel& r) { HandleClubInfo(r); },
-                                     [this](OrvDataSwingInfoModel& r) { HandleSwingInfo(r); },
-                                     [this](OrvDataBatteryStateModel& r) { HandleBatteryState(r); },
-                                     [this](OrvDataFWVersionModel& r) { HandleFWVersion(r); },
-                                     [this](OrvDataRawModel& r) { HandleRaw(r); },
-                                     [this](OrvDataSimRawModel& r) { HandleSimRaw(r); },
-                                     [this](OrvDataSwingAbort& r) { HandleSwingAbort(&r); },
-                                     [this](OrvDataLRSig& r) { HandleLRSig(r); },
-                                     // Simulator-result and impact-raw records carry nothing we act on.
-                                     [](auto&) {},
-                                 });
+    orv::VisitDataRecord(buffer,
+                         orv::Overloaded{
+                             [this](OrvDataEchoModel& r) { HandleEcho(r); },
+                             [this](OrvDataClubInfoModel& r) { HandleClubInfo(r); },
+                             [this](OrvDataSwingInfoModel& r) { HandleSwingInfo(r); },
+                             [this](OrvDataBatteryStateModel& r) { HandleBatteryState(r); },
+                             [this](OrvDataFWVersionModel& r) { HandleFWVersion(r); },
+                             [this](OrvDataRawModel& r) { HandleRaw(r); },
+                             [this](OrvDataSimRawModel& r) { HandleSimRaw(r); },
+                             [this](OrvDataSwingAbort& r) { HandleSwingAbort(&r); },
+                             [this](OrvDataLRSig& r) { HandleLRSig(r); },
+                             // Simulator-result and impact-raw records carry nothing we act on.
+                             [](auto&) {},
+                         });
     bb_free(&buffer);
 }
 

@@ -12,8 +12,8 @@
 #include <string>
 
 #include "ble/ble_stack.h"
-#include "ble/bth_callback.h"
 #include "ble/btfr_gatt_wrapper.h"
+#include "ble/bth_callback.h"
 #include "protocol/byte_buffer.h"
 #include "protocol/command_models.h"
 #include "protocol/data_records.h"

@@ -130,7 +130,8 @@ void OrvManager::LRSigThreadFunc() {
     if (running && client != nullptr && client->IsSocketOpen() && client->IsConnected() &&
         client->GetArmState() == 0) {
         LOG_INFO("LRSig count:%d\n", count);
-        const int club = E6_GetClubWithAddedCount(static_cast<int>(client->GetCurrentClub()), count);
+        const int club =
+            E6_GetClubWithAddedCount(static_cast<int>(client->GetCurrentClub()), count);
         ChangeClub(club, true);
     }
     std::lock_guard<std::mutex> lock(lrSigDoneMutex);

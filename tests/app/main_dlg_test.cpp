@@ -110,9 +110,8 @@ TEST_F(MainDlgTest, OpensWithTheSettingsAndShowsTheLinksAndShots) {
 
     // The simulator going away shows at once.
     emulator->Stop();
-    ASSERT_TRUE(ProcessEventsUntil([&] {
-        return Control().lbE6Conn->text() == QString::fromStdString(GetStringRes(177));
-    }));
+    ASSERT_TRUE(ProcessEventsUntil(
+        [&] { return Control().lbE6Conn->text() == QString::fromStdString(GetStringRes(177)); }));
     EXPECT_EQ(Control().lbE6Conn->TextColor(), OrvaneWinUI::kDisconnectedColor);
 }
 
@@ -142,8 +141,9 @@ TEST_F(MainDlgTest, EnterAndEscapeNeverCloseAndSaveWritesTheFile) {
 TEST_F(MainDlgTest, CancelKeepsRunningAndOkTearsDownInOrder) {
     const int threadsBefore = ThreadCount();
     Open();
-    ASSERT_TRUE(ProcessEventsUntil(
-        [&] { return Control().lbOrvaneConn->text() == QString::fromStdString(GetStringRes(163)); }));
+    ASSERT_TRUE(ProcessEventsUntil([&] {
+        return Control().lbOrvaneConn->text() == QString::fromStdString(GetStringRes(163));
+    }));
     {
         MessageBoxAnswerer answer(QMessageBox::Cancel);
         dialog->close();

@@ -81,7 +81,8 @@ TEST(Program, ConsoleModeRunsTheDemoAndQuitsCleanlyOnEitherSignal) {
     for (const int signal : {SIGINT, SIGTERM}) {
         TempDir home;
         Program program(home, {"-console", "-demo"});
-        ASSERT_TRUE(program.WaitForOutput("Sensor: connected, firmware 1.2.0\n")) << program.Output();
+        ASSERT_TRUE(program.WaitForOutput("Sensor: connected, firmware 1.2.0\n"))
+            << program.Output();
         EXPECT_EQ(program.Stop(signal), 0) << program.Output();
         const std::string output = program.Output();
         EXPECT_NE(output.find("Shutting down.\n"), std::string::npos);

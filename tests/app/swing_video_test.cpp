@@ -53,8 +53,8 @@ TEST_F(SwingVideoTest, ASwingGivesOneClipThatIsReplayedAfterTheDisarm) {
     EXPECT_GT(std::filesystem::file_size(clip), 1000u);
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "MyRecord1.mp4"));
     // The replay ends by itself and the window hides.
-    EXPECT_TRUE(ProcessEventsUntil([&] { return !PlayerWnd::GetInstance()->Window()->isVisible(); },
-                                   30s));
+    EXPECT_TRUE(
+        ProcessEventsUntil([&] { return !PlayerWnd::GetInstance()->Window()->isVisible(); }, 30s));
 }
 
 }  // namespace

@@ -55,8 +55,7 @@ TEST_F(LogSwitches, MacrosTagWithQualifiedNameAndLine) {
     probe::Reporter().Report();
     probe::Reporter::Failure();
     const std::string text = out.Text();
-    EXPECT_NE(text.find("::probe::Reporter::Report("), std::string::npos)
-        << text;
+    EXPECT_NE(text.find("::probe::Reporter::Report("), std::string::npos) << text;
     EXPECT_NE(text.find(")] from member 7\n"), std::string::npos) << text;
     EXPECT_NE(text.find("!!! ERROR ["), std::string::npos);
     EXPECT_NE(text.find("::probe::Reporter::Failure("), std::string::npos) << text;
@@ -78,16 +77,17 @@ TEST_F(LogSwitches, LongMessageIsCutNotRejected) {
 
 TEST(QualifiedFunctionName, CutsSignaturesDownToTheName) {
     using orv::QualifiedFunctionName;
-    EXPECT_EQ(QualifiedFunctionName("void Orvane::OrvManager::Start()"), "Orvane::OrvManager::Start");
+    EXPECT_EQ(QualifiedFunctionName("void Orvane::OrvManager::Start()"),
+              "Orvane::OrvManager::Start");
     EXPECT_EQ(QualifiedFunctionName("static Orvane::OrvManager* Orvane::OrvManager::GetInstance()"),
               "Orvane::OrvManager::GetInstance");
     EXPECT_EQ(QualifiedFunctionName("std::string E6_GetClubTypeJson(int)"), "E6_GetClubTypeJson");
-    EXPECT_EQ(QualifiedFunctionName("bool BtfrGattWrapper::WriteCharacteristic(const uint8_t*, int)"),
-              "BtfrGattWrapper::WriteCharacteristic");
+    EXPECT_EQ(
+        QualifiedFunctionName("bool BtfrGattWrapper::WriteCharacteristic(const uint8_t*, int)"),
+        "BtfrGattWrapper::WriteCharacteristic");
     EXPECT_EQ(QualifiedFunctionName("std::map<int, std::pair<int, int> > Q<A, B>::Get(int)"),
               "Q<A, B>::Get");
-    EXPECT_EQ(QualifiedFunctionName(
-                  "Orvane::OrvManager::StopRecording(int)::<lambda()>"),
+    EXPECT_EQ(QualifiedFunctionName("Orvane::OrvManager::StopRecording(int)::<lambda()>"),
               "Orvane::OrvManager::StopRecording");
     EXPECT_EQ(QualifiedFunctionName("void Foo::operator()(int)"), "Foo::operator()");
     EXPECT_EQ(QualifiedFunctionName("OrvSettings::LoadSetting"), "OrvSettings::LoadSetting");

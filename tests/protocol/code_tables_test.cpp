@@ -72,7 +72,7 @@ TEST(CodeTables, SafeStringiCompareFoldsAsciiLettersOnly) {
     EXPECT_TRUE(SafeStringiCompare("TRUE", "true"));
     EXPECT_TRUE(SafeStringiCompare("", ""));
     EXPECT_FALSE(SafeStringiCompare("true", "tru"));
-    EXPECT_FALSE(SafeStringiCompare("[", "{"));  // '[' and '{' differ by the case bit
+    EXPECT_FALSE(SafeStringiCompare("[", "{"));                // '[' and '{' differ by the case bit
     EXPECT_FALSE(SafeStringiCompare("\xC3\xA9", "\xC3\x89"));  // no Unicode folding
     EXPECT_TRUE(SafeStringiCompare(std::string("a\0b", 3), std::string("A\0B", 3)));
 }

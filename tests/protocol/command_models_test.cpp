@@ -55,13 +55,13 @@ TEST(CommandModels, ManualClubSelectLayoutTruncationAndWrap) {
     const Bytes frame = FrameOf(select);
     ASSERT_EQ(frame.size(), 13u);
     EXPECT_EQ(Bytes(frame.begin() + 2, frame.end() - 1), (Bytes{
-                                                              0x01,        // club
-                                                              0xFF, 0x6A,  // value1 -150
-                                                              0x00, 0x64,  // value2 100
-                                                              0xA0,        // factor 16.0 * 10
-                                                              0x03, 0xE8,  // value3 1000
-                                                              0x08, 0x98,  // value4 2200
-                                                          }));
+                                                             0x01,        // club
+                                                             0xFF, 0x6A,  // value1 -150
+                                                             0x00, 0x64,  // value2 100
+                                                             0xA0,        // factor 16.0 * 10
+                                                             0x03, 0xE8,  // value3 1000
+                                                             0x08, 0x98,  // value4 2200
+                                                         }));
 
     // The driver at sensitivity level 1: -70, 50, 8.0, 1000, 2200.
     OrvCmdManualClubSelectModel driver(1, -70, 50, 1000, 2200, 8.0f);

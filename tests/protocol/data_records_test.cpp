@@ -91,8 +91,8 @@ TEST(DataRecords, SmallRecordsAndTheVersionText) {
 }
 
 TEST(DataRecords, RawSamplesAreSignedImpactValuesUnsigned) {
-    std::vector<uint8_t> payload{0xFF, 0x9C, 0x00, 0x01, 0x80, 0x00, 0x7F, 0xFF, 0, 0, 0xFF, 0xFF,
-                                 5,    0x01, 0x02, 0x01};
+    std::vector<uint8_t> payload{0xFF, 0x9C, 0x00, 0x01, 0x80, 0x00, 0x7F, 0xFF,
+                                 0,    0,    0xFF, 0xFF, 5,    0x01, 0x02, 0x01};
     Frame raw(ORV_DATA_RAW, payload);
     OrvDataRawModel rawRecord(raw.buffer);
     rawRecord.ParseData();
@@ -191,9 +191,10 @@ TEST(DataRecords, SwingInfoDumpOnlyWithTheLogOn) {
     ShowLog(false, false);
     const std::string text = out.Text();
     EXPECT_NE(text.find("[OrvDataSwingInfoModel::ToLog("), std::string::npos);
-    EXPECT_NE(text.find("\n============= SwingInfo =============\nDistance unit: 0\nSwing distance: "
-                        "0.000000\n"),
-              std::string::npos);
+    EXPECT_NE(
+        text.find("\n============= SwingInfo =============\nDistance unit: 0\nSwing distance: "
+                  "0.000000\n"),
+        std::string::npos);
     EXPECT_NE(text.find("ClubReleaseRatio: 0\n=====================================\n\n"),
               std::string::npos);
 }

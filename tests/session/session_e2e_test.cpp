@@ -73,8 +73,9 @@ TEST_F(SessionE2E, ConnectAsksFirmwareFirstThenClubAndSyncsStateAfterTheVersion)
     EXPECT_EQ(WrittenWithCode(ORV_COMMAND_STATE_SYNC)[0],
               (Bytes{0x0A, 0x03, 0x02, 0x03, 0x00, 0x08}));
     // The first club report is answered with the user's sensitivity row (driver, level 1).
-    EXPECT_EQ(WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT)[0],
-              (Bytes{0x18, 0x0A, 0x01, 0xFF, 0xBA, 0x00, 0x32, 0x50, 0x03, 0xE8, 0x08, 0x98, 0x4F}));
+    EXPECT_EQ(
+        WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT)[0],
+        (Bytes{0x18, 0x0A, 0x01, 0xFF, 0xBA, 0x00, 0x32, 0x50, 0x03, 0xE8, 0x08, 0x98, 0x4F}));
     EXPECT_EQ(manager->GetDeviceVersion(), "1.2.0");
     // The UI hears "connected" only with the firmware version, after 1 and 2.
     const auto events = ui.Events();
@@ -126,7 +127,8 @@ TEST_F(SessionE2E, SwingBecomesTheFourShotMessagesWithTheModelsTexts) {
 
     std::vector<std::string> shot;
     for (const std::string& text : emulator->Received()) {
-        if (text.find("\"Type\":\"Set") != std::string::npos && text.find("ClubType") == std::string::npos) {
+        if (text.find("\"Type\":\"Set") != std::string::npos &&
+            text.find("ClubType") == std::string::npos) {
             shot.push_back(text);
         } else if (text == E6_GetSendShotJson()) {
             shot.push_back(text);
@@ -135,8 +137,9 @@ TEST_F(SessionE2E, SwingBecomesTheFourShotMessagesWithTheModelsTexts) {
     ASSERT_EQ(shot.size(), 4u);
     EXPECT_EQ(shot[0], E6_GetBallDataJson(ball));
     EXPECT_EQ(shot[1], E6_GetClubDataJson(club));
-    EXPECT_EQ(shot[2],
-              R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})");
+    EXPECT_EQ(
+        shot[2],
+        R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})");
     EXPECT_EQ(shot[3], R"({"Type":"SendShot"})");
     EXPECT_NE(shot[0].find("\"BallSpeed\":"), std::string::npos);
 
@@ -249,7 +252,8 @@ TEST_F(SessionE2E, BackSwingWithoutResultStopsTheClipAfterEightWaits) {
 
     sensor->SendFrame(SimRawFrame({}, 2));
     sensor->SendFrame(SimRawFrame({}, 3));
-    ASSERT_TRUE(Eventually([&] { return log.Text().find("Back swing timeout.\n") != std::string::npos; }));
+    ASSERT_TRUE(
+        Eventually([&] { return log.Text().find("Back swing timeout.\n") != std::string::npos; }));
     const std::string text = log.Text();
     EXPECT_NE(text.find("Enter Backswing.\n"), std::string::npos);
     EXPECT_EQ(recording.Count("start"), 1);

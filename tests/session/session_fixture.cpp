@@ -15,17 +15,25 @@ void UiRecorder::Add(std::string event) {
 void UiRecorder::OnOrvE6ConnectionChanged(bool connected) {
     Add(connected ? "e6:1" : "e6:0");
 }
-void UiRecorder::OnOrvOrvaneConnectionChanged(int state) { Add("ble:" + std::to_string(state)); }
+void UiRecorder::OnOrvOrvaneConnectionChanged(int state) {
+    Add("ble:" + std::to_string(state));
+}
 void UiRecorder::OnOrvOrvaneBatteryState(int percent) {
     Add("battery:" + std::to_string(percent));
 }
-void UiRecorder::OnOrvShot() { Add("shot"); }
-void UiRecorder::OnOrvReady() { Add("ready"); }
+void UiRecorder::OnOrvShot() {
+    Add("shot");
+}
+void UiRecorder::OnOrvReady() {
+    Add("ready");
+}
 std::vector<std::string> UiRecorder::Events() const {
     std::lock_guard<std::mutex> lock(mutex_);
     return events_;
 }
-bool UiRecorder::Saw(const std::string& event) const { return Count(event) > 0; }
+bool UiRecorder::Saw(const std::string& event) const {
+    return Count(event) > 0;
+}
 int UiRecorder::Count(const std::string& event) const {
     std::lock_guard<std::mutex> lock(mutex_);
     return static_cast<int>(std::count(events_.begin(), events_.end(), event));
@@ -43,9 +51,15 @@ bool RecordingProbe::StartRecording() {
     Add("start");
     return true;
 }
-void RecordingProbe::StopRecording(int delaySeconds) { Add("stop:" + std::to_string(delaySeconds)); }
-void RecordingProbe::ShowRecordingFile() { Add("show"); }
-void RecordingProbe::ClosePlayer() { Add("close"); }
+void RecordingProbe::StopRecording(int delaySeconds) {
+    Add("stop:" + std::to_string(delaySeconds));
+}
+void RecordingProbe::ShowRecordingFile() {
+    Add("show");
+}
+void RecordingProbe::ClosePlayer() {
+    Add("close");
+}
 std::vector<std::string> RecordingProbe::Calls() const {
     std::lock_guard<std::mutex> lock(mutex_);
     return calls_;

@@ -55,7 +55,9 @@ std::string StdoutCapture::Text() const {
     return text.str();
 }
 
-LogCapture::LogCapture() { ShowLog(true, false); }
+LogCapture::LogCapture() {
+    ShowLog(true, false);
+}
 
 LogCapture::~LogCapture() {
     ShowLog(false, false);

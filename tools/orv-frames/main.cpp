@@ -27,9 +27,9 @@ int main() {
     OrvCmdSystemSettingModel setting(0, 0, 1, 1);
     OrvCmdManualClubSelectModel driver(1, -70, 50, 1000, 2200, 8.0f);
     OrvCmdRawDataReqModel raw;
-    for (OrvCmdBaseModel* command : std::initializer_list<OrvCmdBaseModel*>{
-             &version, &clubInfo, &stateSync, &timeSync, &battery, &hands, &setting, &driver,
-             &raw}) {
+    for (OrvCmdBaseModel* command :
+         std::initializer_list<OrvCmdBaseModel*>{&version, &clubInfo, &stateSync, &timeSync,
+                                                 &battery, &hands, &setting, &driver, &raw}) {
         Dump(*command);
     }
     return 0;
