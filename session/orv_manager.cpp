@@ -199,9 +199,7 @@ void OrvManager::HandleSendQ() {
         if (!sendQ.empty()) {
             bb* buffer = sendQ.front();
             sendQ.pop_front();
-            if (IsSensorConnected()) {
-                SendCommand(buffer);
-            }
+            SendCommand(buffer);  // drops it when the link is down
             bb_free(&buffer);
         }
     }
