@@ -31,10 +31,87 @@ struct CurlDeleter {
 struct SlistDeleter {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
+struct MultiDeleter {
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+
+struct Transfer {
+    const char* failedCall = "";
+    int code = 0;
+    const char* text = "";
+    bool cancelled = false;
+};
+
+// Runs the transfer on a multi handle, because only its wait can be woken
+// by another thread; an easy perform would hold a closing program for up to
+// the time limits.
+Transfer Perform(CURL* easy, HttpsCancel* cancel) {
+    const std::unique_ptr<CURLM, MultiDeleter> owner(curl_multi_init());
+    CURLM* multi = owner.get();
+    if (multi == nullptr) {
+        return {"curl_multi_init", CURLM_OUT_OF_MEMORY, "no handle"};
+    }
+    CURLMcode code = curl_multi_add_handle(multi, easy);
+    if (code != CURLM_OK) {
+        return {"curl_multi_add_handle", code, curl_multi_strerror(code)};
+    }
+    Transfer transfer;
+    transfer.cancelled = cancel != nullptr && !cancel->Attach(multi);
+    int running = 1;
+    while (!transfer.cancelled && running > 0) {
+        const char* call = "curl_multi_perform";
+        code = curl_multi_perform(multi, &running);
+        if (code == CURLM_OK && running > 0) {
+            call = "curl_multi_poll";
+            code = curl_multi_poll(multi, nullptr, 0, 1000, nullptr);
+        }
+        if (code != CURLM_OK) {
+            transfer = {call, code, curl_multi_strerror(code)};
+            break;
+        }
+        transfer.cancelled = cancel != nullptr && cancel->Cancelled();
+    }
+    if (cancel != nullptr) {
+        cancel->Detach();
+    }
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi, &left)) {
+        if (message->msg == CURLMSG_DONE && message->data.result != CURLE_OK) {
+            transfer = {"curl_multi_perform", message->data.result,
+                        curl_easy_strerror(message->data.result)};
+        }
+    }
+    curl_multi_remove_handle(multi, easy);
+    return transfer;
+}
 
 }  // namespace
 
-HttpsResponse HttpsGet(const HttpsRequest& request) {
+void HttpsCancel::Cancel() {
+    std::lock_guard lock(mutex_);
+    cancelled_ = true;
+    if (multi_ != nullptr) {
+        curl_multi_wakeup(multi_);
+    }
+}
+
+bool HttpsCancel::Cancelled() const {
+    std::lock_guard lock(mutex_);
+    return cancelled_;
+}
+
+bool HttpsCancel::Attach(void* multi) {
+    std::lock_guard lock(mutex_);
+    multi_ = multi;
+    return !cancelled_;
+}
+
+void HttpsCancel::Detach() {
+    std::lock_guard lock(mutex_);
+    multi_ = nullptr;
+}
+
+HttpsResponse HttpsGet(const HttpsRequest& request, HttpsCancel* cancel) {
     HttpsResponse response;
     std::unique_ptr<CURL, CurlDeleter> curl(curl_easy_init());
     if (!curl) {
@@ -80,14 +157,19 @@ HttpsResponse HttpsGet(const HttpsRequest& request) {
     curl_easy_setopt(h, CURLOPT_WRITEDATA, &sink);
     curl_easy_setopt(h, CURLOPT_ERRORBUFFER, errorText);
 
-    const CURLcode result = curl_easy_perform(h);
+    const Transfer transfer = Perform(h, cancel);
     curl_easy_getinfo(h, CURLINFO_RESPONSE_CODE, &response.status);
-    if (result != CURLE_OK) {
-        response.failedCall = "curl_easy_perform";
-        response.code = static_cast<int>(result);
+    if (transfer.cancelled) {
+        response.cancelled = true;
+        response.error = "cancelled";
+        return response;
+    }
+    if (transfer.failedCall[0] != '\0') {
+        response.failedCall = transfer.failedCall;
+        response.code = transfer.code;
         response.error = sink.overflow          ? "answer larger than the size limit"
                          : errorText[0] != '\0' ? errorText
-                                                : curl_easy_strerror(result);
+                                                : transfer.text;
         return response;
     }
     response.ok = true;

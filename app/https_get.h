@@ -3,10 +3,28 @@
 
 #include <chrono>
 #include <cstddef>
+#include <mutex>
 #include <string>
 #include <vector>
 
 namespace orv {
+
+// Ends a running HttpsGet from another thread at once, whatever it waits for.
+class HttpsCancel {
+public:
+    void Cancel();
+    bool Cancelled() const;
+
+    // For HttpsGet: the transfer's multi handle while it runs. Attach is
+    // false when the cancel came first.
+    bool Attach(void* multi);
+    void Detach();
+
+private:
+    mutable std::mutex mutex_;  // guards both; Cancel must not wake a freed handle
+    void* multi_ = nullptr;
+    bool cancelled_ = false;
+};
 
 struct HttpsRequest {
     std::string url;                   // "https://host:port/object"
@@ -24,8 +42,10 @@ struct HttpsResponse {
     const char* failedCall = "";  // the library call that failed, when !ok
     int code = 0;                 // its result code
     std::string error;            // its explanation
+    bool cancelled = false;       // ended by HttpsCancel
 };
 
-HttpsResponse HttpsGet(const HttpsRequest& request);
+// `cancel`, when given, may end the transfer from any thread.
+HttpsResponse HttpsGet(const HttpsRequest& request, HttpsCancel* cancel = nullptr);
 
 }  // namespace orv

@@ -56,7 +56,7 @@ CMainDlg::CMainDlg(MainDlgOptions options, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(control_);
-    // Enter and Escape never close the dialog, wherever the focus is.
+    // Enter and Escape never close the dialog, wherever the focus is inside it.
     qApp->installEventFilter(this);
 }
 
@@ -101,8 +101,7 @@ bool CMainDlg::OnInitDialog() {
             [this](int club) { PostMessageTo(this, WM_SIMULATOR_CLUB, 0, club); });
 
     if (options_.checkVersion) {
-        VersionCheckConfig config = DefaultVersionCheckConfig();
-        versionCheck_ = std::make_unique<VersionCheckWorker>(config);
+        versionCheck_ = std::make_unique<VersionCheckWorker>(options_.versionCheck);
         connect(versionCheck_.get(), &VersionCheckWorker::Finished, this,
                 [this](const VersionCheckResult& result) { OnVersionChecked(result); });
         versionCheck_->Start();
@@ -191,7 +190,9 @@ bool CMainDlg::event(QEvent* event) {
 }
 
 bool CMainDlg::eventFilter(QObject* watched, QEvent* event) {
-    if (IsEnterOrEscape(event)) {
+    // Message boxes and the other windows keep the two keys: they answer questions.
+    if (IsEnterOrEscape(event) && watched->isWidgetType() &&
+        static_cast<QWidget*>(watched)->window() == this) {
         return true;
     }
     return QDialog::eventFilter(watched, event);
@@ -304,7 +305,7 @@ void CMainDlg::OnShowShotOption() {
 }
 
 void CMainDlg::OnVersionChecked(const VersionCheckResult& result) {
-    if (result.status != VersionCheckStatus::kOk) {
+    if (result.status != VersionCheckStatus::kOk || closing_) {
         return;
     }
     latestFirmwareVersion_ = result.latest.latestFirmwareVersion;
@@ -318,8 +319,9 @@ bool CMainDlg::ConfirmClose() {
         return true;
     }
     TTS_Speak(GetStringRes(167));
+    // OK is the default button, so Enter confirms and Escape cancels.
     if (QMessageBox::question(this, windowTitle(), Res(167), QMessageBox::Ok | QMessageBox::Cancel,
-                              QMessageBox::Cancel) != QMessageBox::Ok) {
+                              QMessageBox::Ok) != QMessageBox::Ok) {
         return false;
     }
     BeginClose();
@@ -329,6 +331,10 @@ bool CMainDlg::ConfirmClose() {
 void CMainDlg::BeginClose() {
     if (closing_.exchange(true)) {
         return;
+    }
+    // A version server that never answers must not hold the window up.
+    if (versionCheck_) {
+        versionCheck_->Cancel();
     }
     PostMessageTo(this, WM_ORV_EXIT, 0, 0);
     control_->ShowWaitingDlg();

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "app/deployment.h"
 #include "app/version_check.h"
 #include "session/orv_manager.h"
 
@@ -23,6 +24,7 @@ class VersionCheckWorker;
 struct MainDlgOptions {
     bool demo = false;  // in-process sensor; the test picture stands in for a missing camera
     bool checkVersion = true;
+    VersionCheckConfig versionCheck = DefaultVersionCheckConfig();
     Orvane::OrvManagerConfig session;  // links and timing of the session
 };
 

@@ -30,7 +30,7 @@ int CompareVersion(const std::string& a, const std::string& b) {
     return 0;
 }
 
-VersionCheckResult CheckVersion(const VersionCheckConfig& config) {
+VersionCheckResult CheckVersion(const VersionCheckConfig& config, HttpsCancel* cancel) {
     VersionCheckResult result;
     result.appVersion = config.runningVersion;
 
@@ -46,7 +46,11 @@ VersionCheckResult CheckVersion(const VersionCheckConfig& config) {
     request.connectTimeout = config.timing.connect;
     request.totalTimeout = config.timing.total;
     request.maxBodyBytes = config.maxAnswerBytes;
-    const HttpsResponse response = HttpsGet(request);
+    const HttpsResponse response = HttpsGet(request, cancel);
+    if (response.cancelled) {
+        LOG_INFO_AS(kTag, "Version check cancelled\n");
+        return result;
+    }
     if (!response.ok) {
         LOG_ERROR_AS(kTag, "%s error:0x%x\n", response.failedCall,
                      static_cast<unsigned>(response.code));

@@ -11,6 +11,8 @@
 
 namespace orv {
 
+class HttpsCancel;
+
 // The program's own version, from the build.
 std::string GetVersion();
 
@@ -46,8 +48,8 @@ struct VersionCheckResult {
 };
 
 // GET "/intro/version" over HTTPS with the service's headers; logs the answer
-// and the versions. Blocking: run it on a worker thread.
-VersionCheckResult CheckVersion(const VersionCheckConfig& config);
+// and the versions. Blocking: run it on a worker thread; `cancel` ends it early.
+VersionCheckResult CheckVersion(const VersionCheckConfig& config, HttpsCancel* cancel = nullptr);
 
 // The running program is older than the service's application version.
 bool ShouldOfferAppUpdate(const VersionCheckResult& result);

@@ -8,6 +8,7 @@ VersionCheckWorker::VersionCheckWorker(VersionCheckConfig config, QObject* paren
     : QObject(parent), config_(std::move(config)) {}
 
 VersionCheckWorker::~VersionCheckWorker() {
+    cancel_.Cancel();
     if (thread_.joinable()) {
         thread_.join();
     }
@@ -18,7 +19,7 @@ void VersionCheckWorker::Start() {
         return;
     }
     thread_ = std::thread([this] {
-        VersionCheckResult result = CheckVersion(config_);
+        VersionCheckResult result = CheckVersion(config_, &cancel_);
         // Queued onto this object's thread; dropped if the object is gone by then.
         QMetaObject::invokeMethod(
             this, [this, result = std::move(result)] { emit Finished(result); },

@@ -6,6 +6,7 @@
 
 #include <thread>
 
+#include "app/https_get.h"
 #include "app/version_check.h"
 
 namespace orv {
@@ -14,11 +15,13 @@ class VersionCheckWorker : public QObject {
     Q_OBJECT
 public:
     explicit VersionCheckWorker(VersionCheckConfig config, QObject* parent = nullptr);
-    // Waits for a running check; the config's total time limit bounds the wait.
+    // Cancels a running check and waits for its thread.
     ~VersionCheckWorker() override;
 
     // Starts the check once; later calls do nothing.
     void Start();
+    // Ends a running check at once (it reports no answer); for closing.
+    void Cancel() { cancel_.Cancel(); }
 
 signals:
     // Emitted on the thread that owns this object (the UI thread).
@@ -26,6 +29,7 @@ signals:
 
 private:
     VersionCheckConfig config_;
+    HttpsCancel cancel_;
     std::thread thread_;
 };
 

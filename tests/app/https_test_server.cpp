@@ -18,6 +18,23 @@ namespace orv::test {
 
 namespace {
 
+// A listening socket on 127.0.0.1 with a port of the system's choosing; -1 on failure.
+int ListenOnLoopback(int flags, int* port) {
+    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    if (bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+        listen(fd, 8) != 0 ||
+        getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+        close(fd);
+        return -1;
+    }
+    *port = ntohs(address.sin_port);
+    return fd;
+}
+
 X509* MakeCertificate(EVP_PKEY* key) {
     X509* cert = X509_new();
     X509_set_version(cert, 2);
@@ -85,17 +102,12 @@ HttpsTestServer::HttpsTestServer(const std::filesystem::path& folder, const std:
     EVP_PKEY_free(key);
     context_ = context;
 
-    listenFd_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    if (bind(listenFd_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-        listen(listenFd_, 8) != 0 ||
-        getsockname(listenFd_, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+    int port = 0;
+    listenFd_ = ListenOnLoopback(0, &port);
+    if (listenFd_ < 0) {
         return;
     }
-    port_ = ntohs(address.sin_port);
+    port_ = port;
     thread_ = std::thread([this] { Serve(); });
 }
 
@@ -173,15 +185,26 @@ void HttpsTestServer::HandleClient(int fd) {
 }
 
 int UnusedLoopbackPort() {
-    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-    close(fd);
-    return ntohs(address.sin_port);
+    int port = 0;
+    close(ListenOnLoopback(0, &port));
+    return port;
+}
+
+MuteServer::MuteServer() : listenFd_(ListenOnLoopback(SOCK_NONBLOCK, &port_)) {}
+
+MuteServer::~MuteServer() {
+    for (const int fd : clients_) {
+        close(fd);
+    }
+    close(listenFd_);
+}
+
+bool MuteServer::Accept() {
+    const int client = accept(listenFd_, nullptr, nullptr);
+    if (client >= 0) {
+        clients_.push_back(client);
+    }
+    return !clients_.empty();
 }
 
 }  // namespace orv::test

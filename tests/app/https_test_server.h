@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace orv::test {
 
@@ -52,5 +53,24 @@ private:
 
 // A loopback port on which nothing listens.
 int UnusedLoopbackPort();
+
+// Takes connections on 127.0.0.1 and never says a word, so a TLS client
+// hangs in its handshake.
+class MuteServer {
+public:
+    MuteServer();
+    ~MuteServer();
+    MuteServer(const MuteServer&) = delete;
+    MuteServer& operator=(const MuteServer&) = delete;
+
+    int port() const { return port_; }
+    // Takes a waiting connection, if any; true once one was taken.
+    bool Accept();
+
+private:
+    int port_ = 0;
+    int listenFd_;
+    std::vector<int> clients_;
+};
 
 }  // namespace orv::test
