@@ -281,9 +281,25 @@ void CMainDlg::OnSimulatorClub(intptr_t club) {
 
 void CMainDlg::OnRunE6() {
     SaveSettings();
-    const std::string folder = OrvSettings::GetInstance()->GetSimulatorPath("DefaultPath");
-    if (StartSimulator(folder) == SimulatorStart::kNotInstalled) {
-        AskPlainAndOpen(this, Res(161), HelpPageUrl(DefaultWebSite(), HelpPage::kSimulator));
+    const OrvSettings* settings = OrvSettings::GetInstance();
+    const SimulatorStartResult started = StartSimulator(
+        {settings->GetSimulatorPath("DefaultPath"), settings->GetSimulatorPath("WinePrefix"),
+         settings->GetSimulatorPath("LaunchCommand")});
+    const QString settingsFile = QString::fromStdString(settings->GetIniPath().string());
+    switch (started.status) {
+        case SimulatorStart::kStarted:
+            break;
+        case SimulatorStart::kNotInstalled:
+            AskPlainAndOpen(this, Res(161), HelpPageUrl(DefaultWebSite(), HelpPage::kSimulator));
+            break;
+        case SimulatorStart::kNoWine:
+            QMessageBox::warning(this, windowTitle(), Res(190).arg(settingsFile));
+            break;
+        case SimulatorStart::kFailed:
+            QMessageBox::warning(
+                this, windowTitle(),
+                Res(191).arg(QString::fromStdString(started.starter), settingsFile));
+            break;
     }
 }
 

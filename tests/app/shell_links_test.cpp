@@ -1,16 +1,13 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <QDesktopServices>
 #include <QThread>
 #include <QUrl>
 
-#include <fstream>
 #include <thread>
 
 #include "app/deployment.h"
 #include "app/help_links.h"
-#include "app/simulator_launcher.h"
 #include "app/version_check_worker.h"
 #include "tests/app/https_test_server.h"
 #include "tests/support/test_support.h"
@@ -81,28 +78,6 @@ TEST(Deployment, ProductDefaults) {
     const std::string site = orv::DefaultWebSite();
     EXPECT_EQ(site.rfind("https://", 0), 0u) << site;
     EXPECT_NE(site.back(), '/');
-}
-
-TEST(SimulatorLauncher, StartsTheProgramInItsFolder) {
-    orv::test::GuiTestApp();
-    orv::test::TempDir dir;
-    EXPECT_EQ(orv::StartSimulator(""), orv::SimulatorStart::kNotInstalled);
-    EXPECT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kNotInstalled);
-
-    const auto program = dir.path() / "e6golf.exe";
-    std::ofstream(program) << "#!/bin/sh\npwd > started.txt\n";
-    chmod(program.c_str(), 0644);
-    EXPECT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kFailed);
-
-    chmod(program.c_str(), 0755);
-    ASSERT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kStarted);
-    const auto marker = dir.path() / "started.txt";
-    std::string folder;
-    EXPECT_TRUE(orv::test::Eventually([&] {
-        std::ifstream in(marker);
-        return std::getline(in, folder) && !folder.empty();
-    }));
-    EXPECT_EQ(folder, dir.path().string());
 }
 
 TEST(VersionCheckWorker, ResultArrivesOnTheUiThread) {
