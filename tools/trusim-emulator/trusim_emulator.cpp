@@ -21,7 +21,7 @@ namespace orv {
 namespace {
 
 // A client that stops reading must not hold a writer forever.
-constexpr timeval kSendTimeLimit{5, 0};
+constexpr std::chrono::seconds kSendTimeLimit{5};
 
 }  // namespace
 
@@ -134,8 +134,8 @@ void TruSimEmulator::ServeLoop() {
         }
         const int on = 1;
         ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &kSendTimeLimit, sizeof kSendTimeLimit);
         auto connection = std::make_shared<TcpSocket>(fd);
+        connection->SetSendTimeLimit(kSendTimeLimit);
         {
             const std::lock_guard<std::mutex> lock(mutex_);
             if (stopping_) {
