@@ -92,9 +92,9 @@ void TcpSocket::SetResetOnClose() {
 
 void TcpSocket::SetSendTimeLimit(std::chrono::milliseconds limit) {
     const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(limit).count();
-    const timeval time{static_cast<time_t>(micros / 1000000),
-                       static_cast<suseconds_t>(micros % 1000000)};
-    if (::setsockopt(fd_, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time) != 0) {
+    const timeval timeout{static_cast<time_t>(micros / 1000000),
+                          static_cast<suseconds_t>(micros % 1000000)};
+    if (::setsockopt(fd_, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout) != 0) {
         LOG_ERROR("setsockopt error:0x%x\n", static_cast<unsigned>(errno));
     }
 }
