@@ -1,7 +1,6 @@
 #include "app/shot_text.h"
 
-#include <cstdio>
-
+#include "common/c_format.h"
 #include "protocol/code_tables.h"
 
 namespace orv {
@@ -13,14 +12,13 @@ std::string ClubName(int club) {
 }
 
 std::string ShotLine(const Orvane::LastShotInfo& shot) {
-    char text[256];
-    std::snprintf(text, sizeof text,
-                  "%s: ball speed %.1f, launch %.1f, direction %.1f, back spin %.0f, side spin "
-                  "%.0f, head speed %.1f",
-                  ClubName(shot.club).c_str(), shot.ball.BallSpeed, shot.ball.LaunchAngle,
-                  shot.ball.LaunchDirection, shot.ball.BackSpin, shot.ball.SideSpin,
-                  shot.clubData.ClubHeadSpeed);
-    return text;
+    // Console lines are read by scripts: numbers the C way.
+    return CFormat(
+        "%s: ball speed %.1f, launch %.1f, direction %.1f, back spin %.0f, side spin "
+        "%.0f, head speed %.1f",
+        ClubName(shot.club).c_str(), shot.ball.BallSpeed, shot.ball.LaunchAngle,
+        shot.ball.LaunchDirection, shot.ball.BackSpin, shot.ball.SideSpin,
+        shot.clubData.ClubHeadSpeed);
 }
 
 }  // namespace orv

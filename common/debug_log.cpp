@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "common/c_format.h"
 #include "common/clock.h"
 
 namespace {
@@ -24,7 +25,7 @@ void Emit(const char* prefix, const char* message) {
 void ORV_PRINTF_LIKE(4, 0)
     EmitTagged(bool error, const char* function, int line, const char* format, va_list args) {
     char message[kBufferSize] = {};
-    std::vsnprintf(message, sizeof message, format, args);
+    orv::CFormatV(message, sizeof message, format, args);
     const std::string_view name = orv::QualifiedFunctionName(function ? function : "");
     char prefix[kBufferSize];
     std::snprintf(
@@ -75,7 +76,7 @@ void PrintRaw(const char* format, ...) {
     char message[kBufferSize] = {};
     va_list args;
     va_start(args, format);
-    std::vsnprintf(message, sizeof message, format, args);
+    orv::CFormatV(message, sizeof message, format, args);
     va_end(args);
     char prefix[64];
     std::snprintf(prefix, sizeof prefix, "[%lld] ", static_cast<long long>(WallClockMs()));

@@ -119,6 +119,8 @@ private:
     void ParsePacket(bb* buffer);
     bool IsSensorConnected() const;
     bool IsSimulatorReady() const;  // connected and authenticated
+    // Tells the UI the simulator link's state; "up" only while it is.
+    bool ReportE6Connection(bool connected);
 
     // Sensor records (receive thread, receive lock held).
     void HandleEcho(const OrvDataEchoModel& record);
@@ -171,6 +173,7 @@ private:
     std::condition_variable lrSigDone;
     std::atomic<OrvManagerCallback*> callback{nullptr};
     std::atomic<RecordingControl*> recording{nullptr};
+    std::mutex e6ReportMutex;          // guards checking and reporting the simulator link to the UI
     mutable std::mutex lastShotMutex;  // guards lastShot (receive thread writes, UI reads)
     LastShotInfo lastShot;
     FILE* rawFile = nullptr;  // raw-data transfer target; receive thread only

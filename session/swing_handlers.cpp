@@ -311,11 +311,23 @@ void OrvManager::OnConnect() {
     LOG_INFO("E6 Client OnConnect.\n");
 }
 
+bool OrvManager::ReportE6Connection(bool connected) {
+    // The two notifications run on threads of their own, in either order: the
+    // check and the report go together, so a link that went down after its
+    // authentication is never shown as up.
+    const std::lock_guard<std::mutex> lock(e6ReportMutex);
+    if (connected && !IsSimulatorReady()) {
+        return false;
+    }
+    if (OrvManagerCallback* ui = callback.load()) {
+        ui->OnOrvE6ConnectionChanged(connected);
+    }
+    return true;
+}
+
 void OrvManager::OnDisconnect() {
     LOG_INFO("E6 Client OnDisconnect.\n");
-    if (OrvManagerCallback* ui = callback.load()) {
-        ui->OnOrvE6ConnectionChanged(false);
-    }
+    ReportE6Connection(false);
     SendSystemSetting(true);
 }
 
@@ -324,8 +336,9 @@ void OrvManager::OnE6Auth(bool ok) {
         LOG_ERROR("E6 auth failed.\n");
         return;
     }
-    if (OrvManagerCallback* ui = callback.load()) {
-        ui->OnOrvE6ConnectionChanged(true);
+    if (!ReportE6Connection(true)) {
+        LOG_INFO("E6 link gone before its authentication was shown.\n");
+        return;
     }
     const int club = state->clubCode.load();
     if (IsSensorConnected() && club != 0) {

@@ -182,6 +182,7 @@ bool E6TruSimClient::Connect(std::shared_ptr<TcpSocket>* opened) {
         drop();
         return false;
     }
+    socket->SetSendTimeLimit(Timing().sendTimeLimit);
     *opened = std::move(socket);
     return true;
 }
@@ -192,6 +193,8 @@ bool E6TruSimClient::MarkConnected(const std::shared_ptr<TcpSocket>& socket) {
     if (socket_ != socket) {
         return false;
     }
+    // A new link starts unauthenticated, whatever a late answer on the last one left behind.
+    authenticated_.store(false);
     connected_.exchange(1);
     return true;
 }
@@ -232,8 +235,10 @@ bool E6TruSimClient::SendTruSimMessage(const std::string& text) {
     }
     // The message and its zero byte in a single send; a short write is not retried.
     const std::string frame(text.c_str(), text.size() + 1);
-    if (socket->Send(frame.data(), frame.size()) == -1) {
-        LOG_ERROR("send() failed: %d\n", errno);
+    const ssize_t sent = socket->Send(frame.data(), frame.size());
+    if (sent != static_cast<ssize_t>(frame.size())) {
+        // Out of time with the message cut short: the stream is lost either way.
+        LOG_ERROR("send() failed: %d\n", sent < 0 ? errno : ETIMEDOUT);
         Disconnect();
         return false;
     }

@@ -25,6 +25,9 @@ struct E6TruSimTiming {
     std::chrono::milliseconds environmentThrottle{
         1000};  // environment data passed on at most this often
     std::chrono::milliseconds connectTimeLimit{3000};  // one attempt to open the connection
+    // One message written whole; a simulator that stops reading must not hold
+    // the shot path (and the sensor's records queued behind it) for good.
+    std::chrono::milliseconds sendTimeLimit{5000};
 };
 
 class E6TruSimClient {
@@ -55,7 +58,8 @@ public:
     void SetTiming(const E6TruSimTiming& timing);
 
     // Writes `text` and its zero byte in one send; false when not connected
-    // or on a send error (which ends the link).
+    // or on a send error (which ends the link). A send that cannot complete
+    // within the send time limit is a send error.
     bool SendTruSimMessage(const std::string& text);
     bool SendClubType(int club);
 

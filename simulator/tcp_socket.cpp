@@ -6,6 +6,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -85,6 +86,15 @@ void TcpSocket::ShutdownReading() {
 void TcpSocket::SetResetOnClose() {
     const linger abortive{1, 0};
     if (::setsockopt(fd_, SOL_SOCKET, SO_LINGER, &abortive, sizeof abortive) != 0) {
+        LOG_ERROR("setsockopt error:0x%x\n", static_cast<unsigned>(errno));
+    }
+}
+
+void TcpSocket::SetSendTimeLimit(std::chrono::milliseconds limit) {
+    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(limit).count();
+    const timeval timeout{static_cast<time_t>(micros / 1000000),
+                          static_cast<suseconds_t>(micros % 1000000)};
+    if (::setsockopt(fd_, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout) != 0) {
         LOG_ERROR("setsockopt error:0x%x\n", static_cast<unsigned>(errno));
     }
 }

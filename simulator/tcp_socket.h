@@ -36,6 +36,10 @@ public:
     // Closing with an abortive reset (RST) instead of the orderly FIN.
     void SetResetOnClose();
 
+    // A blocking send gives up after `limit` in all, sending less than asked
+    // (or -1 with EAGAIN when nothing went out).
+    void SetSendTimeLimit(std::chrono::milliseconds limit);
+
     // One send without SIGPIPE; -1 on error (errno set).
     ssize_t Send(const void* data, size_t size);
     // One receive; 0 when the peer closed, -1 on error (errno set).

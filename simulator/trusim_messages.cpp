@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <iterator>
 
+#include "common/c_format.h"
 #include "common/debug_log.h"
 #include "protocol/code_tables.h"
 
@@ -16,7 +17,7 @@ std::string ORV_PRINTF_LIKE(1, 2) Format(const char* format, ...) {
     char buffer[1024];
     va_list args;
     va_start(args, format);
-    const int length = std::vsnprintf(buffer, sizeof buffer, format, args);
+    const int length = orv::CFormatV(buffer, sizeof buffer, format, args);
     va_end(args);
     if (length < 0 || static_cast<size_t>(length) >= sizeof buffer) {
         return {};

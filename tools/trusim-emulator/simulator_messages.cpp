@@ -1,11 +1,11 @@
 #include "tools/trusim-emulator/simulator_messages.h"
 
-#include <cstdio>
-
 #include <nlohmann/json.hpp>
 
+#include "common/c_format.h"
 #include "simulator/hash_text.h"
 #include "simulator/trusim_credentials.h"
+#include "tools/trusim-emulator/client_message_form.h"
 
 namespace orv {
 
@@ -37,13 +37,11 @@ const Json& MemberOf(const Json& object, const char* key) {
 }  // namespace
 
 std::string DescribeShot(const TruSimShot& shot) {
-    char line[256];
-    std::snprintf(line, sizeof line,
-                  "%s, ball speed %.2f, launch angle %.2f, direction %.2f, back spin %.0f, "
-                  "side spin %.0f",
-                  shot.club.c_str(), shot.ballSpeed, shot.launchAngle, shot.launchDirection,
-                  shot.backSpin, shot.sideSpin);
-    return line;
+    return CFormat(
+        "%s, ball speed %.2f, launch angle %.2f, direction %.2f, back spin %.0f, "
+        "side spin %.0f",
+        shot.club.c_str(), shot.ballSpeed, shot.launchAngle, shot.launchDirection, shot.backSpin,
+        shot.sideSpin);
 }
 
 std::string HandshakeReply(const std::string& challenge) {
@@ -85,10 +83,21 @@ std::string TypeOnlyMessage(const char* type) {
 ClientMessage ReadClientMessage(const std::string& text) {
     ClientMessage read;
     const Json message = Json::parse(text, nullptr, false);
-    if (!message.is_object()) {
+    if (message.is_discarded()) {
+        read.error = "not JSON";
         return read;
     }
-    read.type = TextOf(message, "Type");
+    const std::string type = TextOf(message, "Type");
+    const char* form = ClientMessageForm(type);
+    if (form == nullptr) {
+        read.error = "unknown type \"" + type + "\"";
+        return read;
+    }
+    if (!MatchesForm(form, text)) {
+        read.error = type + " not in its exact form";
+        return read;
+    }
+    read.type = type;
     read.developer = TextOf(message, "Developer");
     read.hash = TextOf(message, "Hash");
     read.clubType = TextOf(message, "ClubType");

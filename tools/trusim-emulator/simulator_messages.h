@@ -30,13 +30,15 @@ std::string TypeOnlyMessage(const char* type);       // "ACK", "Pong", "End"
 
 // One message of the program; members it does not carry stay empty or 0.
 struct ClientMessage {
-    std::string type;       // empty for anything that is not a JSON object with a text "Type"
+    std::string error;      // why the message was refused; empty when it was read
+    std::string type;       // empty when refused
     std::string developer;  // "Challenge"
     std::string hash;       // "Challenge"
     std::string clubType;   // "SetClubType"
     TruSimShot values;      // "SetBallData" and "SetClubData" fill their part
 };
 
+// Refuses anything but valid JSON in the exact form of its type.
 ClientMessage ReadClientMessage(const std::string& text);
 
 // The program's answer to `challenge` is right: its developer identifier and

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/c_format.h"
 #include "simulator/tcp_socket.h"
 #include "simulator/trusim_framer.h"
 
@@ -20,7 +21,7 @@ namespace orv {
 namespace {
 
 // A client that stops reading must not hold a writer forever.
-constexpr timeval kSendTimeLimit{5, 0};
+constexpr std::chrono::seconds kSendTimeLimit{5};
 
 }  // namespace
 
@@ -133,8 +134,8 @@ void TruSimEmulator::ServeLoop() {
         }
         const int on = 1;
         ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &kSendTimeLimit, sizeof kSendTimeLimit);
         auto connection = std::make_shared<TcpSocket>(fd);
+        connection->SetSendTimeLimit(kSendTimeLimit);
         {
             const std::lock_guard<std::mutex> lock(mutex_);
             if (stopping_) {
@@ -146,6 +147,7 @@ void TruSimEmulator::ServeLoop() {
             ++connections_;
             authenticated_ = false;
             challenge_.clear();
+            pendingShot_ = PendingShot{};
         }
         changed_.notify_all();
         char from[INET_ADDRSTRLEN] = {};
@@ -193,36 +195,63 @@ void TruSimEmulator::HandleMessage(const std::shared_ptr<TcpSocket>& connection,
     }
     changed_.notify_all();
     const ClientMessage message = ReadClientMessage(text);
+    if (!message.error.empty()) {
+        ProtocolError(message.error, text);
+        return;
+    }
     const std::string& type = message.type;
+    const bool shotPart = type.starts_with("Set") || type == "SendShot";
+    if (shotPart && !GetGuarded(authenticated_)) {
+        ProtocolError(type + " before authentication", text);
+        return;
+    }
     if (type == "Handshake") {
         AnswerHandshake(connection);
     } else if (type == "Challenge") {
         CheckChallenge(connection, message.developer, message.hash);
     } else if (type == "Ping") {
         Send(connection, TypeOnlyMessage("Pong"));
-    } else if (type == "SetBallData" || type == "SetClubData" || type == "SetClubType" ||
-               type == "SetMiscData" || type == "SendShot") {
+    } else if (type == "SendShot") {
+        TakeShot(connection, text);
+    } else if (shotPart) {
         KeepShotPart(message);
         Send(connection, TypeOnlyMessage("ACK"));
-        if (type == "SendShot") {
-            TakeShot(connection);
-        }
     }
+}
+
+void TruSimEmulator::ProtocolError(const std::string& reason, const std::string& text) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        ++protocolErrors_;
+    }
+    changed_.notify_all();
+    // Control bytes shown as escapes, so a stray tab or zero is seen.
+    std::string shown;
+    for (const char c : text.substr(0, 300)) {
+        const auto byte = static_cast<unsigned char>(c);
+        shown += byte < 0x20 || byte >= 0x7f ? CFormat("\\x%02x", byte) : std::string(1, c);
+    }
+    Report("protocol error: " + reason + ": " + shown);
 }
 
 void TruSimEmulator::KeepShotPart(const ClientMessage& message) {
     const std::lock_guard<std::mutex> lock(mutex_);
     const TruSimShot& v = message.values;
+    TruSimShot& shot = pendingShot_.values;
     if (message.type == "SetBallData") {
-        pendingShot_.backSpin = v.backSpin;
-        pendingShot_.ballSpeed = v.ballSpeed;
-        pendingShot_.launchAngle = v.launchAngle;
-        pendingShot_.launchDirection = v.launchDirection;
-        pendingShot_.sideSpin = v.sideSpin;
+        shot.backSpin = v.backSpin;
+        shot.ballSpeed = v.ballSpeed;
+        shot.launchAngle = v.launchAngle;
+        shot.launchDirection = v.launchDirection;
+        shot.sideSpin = v.sideSpin;
+        pendingShot_.ball = true;
     } else if (message.type == "SetClubData") {
-        pendingShot_.clubAngleFace = v.clubAngleFace;
-        pendingShot_.clubAnglePath = v.clubAnglePath;
-        pendingShot_.clubHeadSpeed = v.clubHeadSpeed;
+        shot.clubAngleFace = v.clubAngleFace;
+        shot.clubAnglePath = v.clubAnglePath;
+        shot.clubHeadSpeed = v.clubHeadSpeed;
+        pendingShot_.club = true;
+    } else if (message.type == "SetMiscData") {
+        pendingShot_.misc = true;
     } else if (message.type == "SetClubType") {
         club_ = message.clubType;
     }
@@ -275,19 +304,28 @@ void TruSimEmulator::CheckChallenge(const std::shared_ptr<TcpSocket>& connection
     }
 }
 
-void TruSimEmulator::TakeShot(const std::shared_ptr<TcpSocket>& connection) {
+void TruSimEmulator::TakeShot(const std::shared_ptr<TcpSocket>& connection,
+                              const std::string& text) {
     TruSimShot shot;
     size_t number;
     bool rearm;
     {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        shot = pendingShot_;
+        std::unique_lock<std::mutex> lock(mutex_);
+        // Each shot starts from nothing: no value is ever carried over.
+        const PendingShot taken = std::exchange(pendingShot_, PendingShot{});
+        if (!taken.ball || !taken.club || !taken.misc) {
+            lock.unlock();
+            ProtocolError("SendShot without ball, club and misc data", text);
+            return;
+        }
+        shot = taken.values;
         shot.club = club_;
         shots_.push_back(shot);
         number = shots_.size();
         rearm = rearmAfterShot_;
     }
     changed_.notify_all();
+    Send(connection, TypeOnlyMessage("ACK"));
     Report("Shot " + std::to_string(number) + ": " + DescribeShot(shot));
     Send(connection, SimCommandMessage("Disarm"));
     if (rearm) {
@@ -398,9 +436,7 @@ void TruSimEmulator::Report(const std::string& line) const {
 }
 
 void TruSimEmulator::ReportArmed() const {
-    char line[64];
-    std::snprintf(line, sizeof line, "armed, %.1f yards to the pin", GetGuarded(distanceToPin_));
-    Report(line);
+    Report(CFormat("armed, %.1f yards to the pin", GetGuarded(distanceToPin_)));
 }
 
 void TruSimEmulator::SetReporter(std::function<void(const std::string&)> reporter) {
@@ -514,6 +550,10 @@ std::vector<std::string> TruSimEmulator::Received() const {
 
 std::vector<TruSimShot> TruSimEmulator::Shots() const {
     return GetGuarded(shots_);
+}
+
+int TruSimEmulator::ProtocolErrors() const {
+    return GetGuarded(protocolErrors_);
 }
 
 std::string TruSimEmulator::LastChallenge() const {

@@ -1,6 +1,9 @@
 // A stand-in golf simulator speaking TruSim on TCP: it authenticates the
 // program by challenge, sends player data, environment data and Arm/Disarm,
 // answers pings, acknowledges shots and reports each shot in one line.
+// Like a real simulator it is strict: a message that is not valid JSON in the
+// exact form of its type, or shot data before authentication, is a protocol
+// error, printed and counted, and never part of a shot.
 // Tests drive it in-process to script the simulator's side, faults included.
 #pragma once
 
@@ -77,6 +80,7 @@ public:
     // Every message received (without its zero byte), in order, across connections.
     std::vector<std::string> Received() const;
     std::vector<TruSimShot> Shots() const;
+    int ProtocolErrors() const;  // messages refused so far, across connections
     std::string LastChallenge() const;
     int Connections() const;         // accepted so far
     bool IsClientConnected() const;  // a connection is open and being read
@@ -103,7 +107,8 @@ private:
     void CheckChallenge(const std::shared_ptr<TcpSocket>& connection, const std::string& developer,
                         const std::string& hash);
     void KeepShotPart(const ClientMessage& message);
-    void TakeShot(const std::shared_ptr<TcpSocket>& connection);
+    void ProtocolError(const std::string& reason, const std::string& text);
+    void TakeShot(const std::shared_ptr<TcpSocket>& connection, const std::string& text);
     void TimerLoop();
     void Schedule(std::chrono::milliseconds delay, std::function<void()> run);
     // Sleeps up to `delay`; false when Stop came first.
@@ -161,7 +166,14 @@ private:
     bool authenticated_ = false;
     std::string challenge_;
     std::vector<std::string> received_;
-    TruSimShot pendingShot_;
+    int protocolErrors_ = 0;
+    // The parts of the shot to come; a shot needs all three.
+    struct PendingShot {
+        TruSimShot values;
+        bool ball = false;
+        bool club = false;
+        bool misc = false;
+    } pendingShot_;
     std::vector<TruSimShot> shots_;
     std::vector<Task> tasks_;
     std::mt19937 random_;

@@ -1,0 +1,74 @@
+// Under a locale that writes decimal commas, numbers meant for a machine keep
+// the decimal point: the simulator's texts, the log, and a whole shot.
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+#include "common/debug_log.h"
+#include "simulator/trusim_messages.h"
+#include "tests/common/env_var.h"
+#include "tests/session/session_fixture.h"
+
+namespace orv::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+// de_DE generated into a temporary folder: the machine's locales stay as they are.
+class CommaLocale : public SessionTest {
+protected:
+    void SetUp() override {
+        // Before any thread starts: setlocale is not safe against threads formatting meanwhile.
+        const std::string command = "localedef -i de_DE -f UTF-8 '" +
+                                    (locales.path() / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
+        ASSERT_EQ(std::system(command.c_str()), 0) << "localedef and the package locales needed";
+        ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
+        char probe[8];
+        std::snprintf(probe, sizeof probe, "%.1f", 0.5);
+        ASSERT_STREQ(probe, "0,5");
+        SessionTest::SetUp();
+    }
+    void TearDown() override {
+        SessionTest::TearDown();
+        std::setlocale(LC_ALL, "C");
+    }
+
+    TempDir locales;
+    EnvVar locpath{"LOCPATH", locales.path().c_str()};
+};
+
+TEST_F(CommaLocale, SimulatorTextsAndLogLinesKeepTheDecimalPoint) {
+    // Launch angle, direction, ball speed, back spin, side spin.
+    const E6BallData ball{14.44, -0.5, 41.25, 2449.81, -350.0};
+    LogCapture log;
+    LOG_INFO("%.3f %f\n", 2.5, -0.25);
+    const std::pair<std::string, std::string> texts[] = {
+        {E6_GetBallDataJson(ball),
+         "{\"Type\":\"SetBallData\",\"BallData\":{\"BackSpin\":2449.810, \"BallSpeed\":41.250,\t"
+         "\"LaunchAngle\":14.440, \"LaunchDirection\":-0.500, \"SideSpin\":-350.000}}"},
+        {E6_GetClubDataJson(E6_MakeClubData(94.0, -2.5, 1.0)),
+         R"({"Type":"SetClubData","ClubData":{"ClubAngleFace":1.000, "ClubAnglePath":-2.500, "ClubHeadSpeed":94.000}})"},
+        {E6_GetMiscDataJson(E6_MakeMiscData(0.2, true, 0)),
+         R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})"},
+        {log.Text().substr(log.Text().rfind("] ") + 2), "2.500 -0.250000\n"},
+    };
+    for (const auto& [text, expected] : texts) {
+        EXPECT_EQ(text, expected);
+    }
+}
+
+TEST_F(CommaLocale, WholeShotReachesTheSimulatorExactly) {
+    StartManager();
+    ASSERT_TRUE(WaitReady());
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    EXPECT_EQ(emulator->ProtocolErrors(), 0);
+    const Orvane::LastShotInfo sent = manager->GetLastShot();
+    const orv::TruSimShot got = emulator->Shots()[0];
+    EXPECT_NEAR(got.ballSpeed, sent.ball.BallSpeed, 0.0005);
+    EXPECT_NEAR(got.backSpin, sent.ball.BackSpin, 0.0005);
+    EXPECT_NEAR(got.clubHeadSpeed, sent.clubData.ClubHeadSpeed, 0.0005);
+}
+
+}  // namespace
+}  // namespace orv::test

@@ -1,0 +1,129 @@
+// What the stand-in simulator accepts from the wire, and what the link does
+// with a simulator that stops reading.
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+#include "simulator/e6_trusim_client.h"
+#include "tests/simulator/recording_listener.h"
+#include "tests/support/test_support.h"
+#include "tools/trusim-emulator/trusim_emulator.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using orv::test::Eventually;
+
+// One shot as the program writes it.
+const std::string kBall =
+    "{\"Type\":\"SetBallData\",\"BallData\":{\"BackSpin\":2600.000, \"BallSpeed\":139.120,\t"
+    "\"LaunchAngle\":11.880, \"LaunchDirection\":-2.000, \"SideSpin\":-350.000}}";
+const std::string kClub =
+    R"({"Type":"SetClubData","ClubData":{"ClubAngleFace":1.000, "ClubAnglePath":-2.000, "ClubHeadSpeed":94.000}})";
+const std::string kMisc =
+    R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})";
+const std::string kSendShot = R"({"Type":"SendShot"})";
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
+TEST(StrictSimulator, RefusesEveryInexactTextAndNeverRecordsAShotFromIt) {
+    orv::TruSimEmulatorOptions options;
+    options.bindAddress = "127.0.0.1";
+    options.port = 0;
+    orv::TruSimEmulator emulator(options);
+    ASSERT_TRUE(emulator.Start());
+    emulator.SetAnswerHandshake(false);
+    E6TruSimClient client;
+    client.Init("127.0.0.1", emulator.Port());
+    ASSERT_TRUE(emulator.WaitForMessages(1, 10s));
+
+    auto sendShot = [&](const std::string& ball, const std::string& club, const std::string& misc,
+                        int refusals) {
+        const int before = emulator.ProtocolErrors();
+        for (const std::string& text : {ball, club, misc, kSendShot}) {
+            ASSERT_TRUE(client.SendTruSimMessage(text));
+        }
+        EXPECT_TRUE(Eventually([&] { return emulator.ProtocolErrors() == before + refusals; }))
+            << ball << "\n"
+            << club << "\n"
+            << misc;
+    };
+    // Exact texts, but before authentication.
+    sendShot(kBall, kClub, kMisc, 4);
+
+    emulator.SetAnswerHandshake(true);
+    ASSERT_TRUE(client.SendTruSimMessage(R"({"Type":"Handshake"})"));
+    ASSERT_TRUE(Eventually([&] { return emulator.IsClientAuthenticated(); }));
+    const struct {
+        std::string ball, club, misc;
+    } wrong[] = {
+        {Replaced(kBall, "139.120", "139,120"), kClub, kMisc},
+        {Replaced(kBall, ",\t", ", "), kClub, kMisc},
+        {Replaced(kBall, ", \"SideSpin\":-350.000", ""), kClub, kMisc},
+        {Replaced(kBall, "-350.000", "nan"), kClub, kMisc},
+        {kBall.substr(0, 60), kClub, kMisc},
+        {kBall, Replaced(kClub, "94.000", "94.00"), kMisc},
+        {kBall,
+         R"({"Type":"SetClubData","ClubData":{"ClubAnglePath":-2.000, "ClubAngleFace":1.000, "ClubHeadSpeed":94.000}})",
+         kMisc},
+        {kBall, kClub, Replaced(kMisc, "\"true\"", "true")},
+        {kBall, kClub, Replaced(kMisc, "\"TeeType\":0", "\"TeeType\":0.000")},
+    };
+    for (const auto& shot : wrong) {
+        // The wrong part, then the shot that lacks it.
+        sendShot(shot.ball, shot.club, shot.misc, 2);
+    }
+    EXPECT_TRUE(emulator.Shots().empty());
+
+    sendShot(kBall, kClub, kMisc, 0);
+    ASSERT_TRUE(emulator.WaitForShots(1, 10s));
+    EXPECT_EQ(emulator.Shots()[0].ballSpeed, 139.12);
+    EXPECT_EQ(emulator.Shots()[0].clubHeadSpeed, 94.0);
+    // Nothing of a shot carries over to the next.
+    ASSERT_TRUE(client.SendTruSimMessage(kSendShot));
+    EXPECT_TRUE(Eventually([&] { return emulator.ProtocolErrors() == 4 + 2 * 9 + 1; }));
+    EXPECT_EQ(emulator.Shots().size(), 1u);
+    client.Stop();
+}
+
+TEST(StalledSimulator, SendThatCannotFinishInTimeIsASendErrorAndTheLinkReopens) {
+    // Listening but never accepting: the kernel takes the connections and
+    // some bytes, and nothing is ever read.
+    const int simulator = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+    socklen_t length = sizeof address;
+    ASSERT_EQ(::bind(simulator, reinterpret_cast<sockaddr*>(&address), length), 0);
+    ASSERT_EQ(::listen(simulator, 4), 0);
+    ASSERT_EQ(::getsockname(simulator, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    orv::test::RecordingListener listener;
+    E6TruSimClient client;
+    client.SetCallback(&listener);
+    E6TruSimTiming timing;
+    timing.sendTimeLimit = 200ms;
+    timing.reconnectPause = 50ms;
+    client.SetTiming(timing);
+    orv::test::LogCapture log;
+    client.Init("127.0.0.1", ntohs(address.sin_port));
+    ASSERT_TRUE(Eventually([&] { return client.IsConnected(); }));
+
+    const std::string large(1 << 20, 'x');
+    int sent = 0;
+    while (sent < 100 && client.SendTruSimMessage(large)) {
+        ++sent;
+    }
+    EXPECT_LT(sent, 100);
+    EXPECT_EQ(orv::test::CountOf(log.Text(), "SendTruSimMessage("), 1u);
+    EXPECT_EQ(orv::test::CountOf(log.Text(), ")] send() failed: "), 1u);
+    EXPECT_TRUE(Eventually([&] { return listener.counts().connects == 2; }));
+    client.Stop();
+    ::close(simulator);
+}
+
+}  // namespace
