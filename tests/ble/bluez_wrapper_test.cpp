@@ -19,7 +19,6 @@ using orv::test::Eventually;
 using orv::test::FakeBluez;
 using orv::test::FakeDevice;
 using orv::test::FakeDeviceConfig;
-using orv::test::FakePairing;
 using States = std::vector<int32_t>;
 using Bytes = std::vector<uint8_t>;
 
@@ -319,28 +318,6 @@ TEST_F(BluezWrapperTest, NoSystemBusAtAllIsWaitedOut) {
     wrapper_->Stop();
     setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
     EXPECT_EQ(CountOf(log.Text(), ")] createSystemBusConnection error:"), 1u);
-}
-
-TEST_F(BluezWrapperTest, PinAndConfirmationPairingConnect) {
-    bluez_.AddAdapter();
-    FakeDeviceConfig pin = Sensor("C0:DE:5E:45:00:01", "orvane-pin");
-    pin.pairing = FakePairing::PinCode;
-    FakeDevice& device = bluez_.AddDevice(pin);
-    ASSERT_TRUE(bluez_.Start());
-    StartWrapper();
-    ASSERT_TRUE(WaitState(3));
-    EXPECT_EQ(device.PairingAnswer(), "7316");
-    wrapper_->Stop();
-
-    FakeDeviceConfig confirm = Sensor("C0:DE:5E:45:00:02", "orvane-confirm");
-    confirm.pairing = FakePairing::Confirmation;
-    device.SetInRange(false);
-    FakeDevice& second = bluez_.AddDevice(confirm);
-    owner_.Clear();
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    EXPECT_TRUE(second.Connected());
-    EXPECT_EQ(second.PairingAnswer(), "confirmed");
 }
 
 }  // namespace

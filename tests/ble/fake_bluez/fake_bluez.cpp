@@ -136,11 +136,6 @@ void FakeBluez::StopOnWorker() {
     connection_.reset();  // the bus announces that org.bluez has no owner
 }
 
-bool FakeBluez::Running() const {
-    std::lock_guard lock(bus_.mutex);
-    return running_;
-}
-
 void FakeBluez::AddAdapter(const std::string& name, bool powered) {
     bus_.RunOnWorker([&] {
         auto adapter = std::make_unique<Adapter>();

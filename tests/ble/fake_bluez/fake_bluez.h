@@ -42,7 +42,6 @@ public:
     bool Start();
     // bluetoothd leaves: its connection closes with all its objects.
     void Stop();
-    bool Running() const;
 
     void AddAdapter(const std::string& name = "hci0", bool powered = true);
     void SetPowered(const std::string& name, bool powered);

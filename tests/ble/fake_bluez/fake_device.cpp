@@ -16,7 +16,6 @@ using bluez::kCharacteristicInterface;
 using bluez::kDeviceInterface;
 using bluez::kServiceInterface;
 
-constexpr uint32_t kClassOfPhone = 0x5A020C;
 // bluetoothd announces an RSSI change only from this size on.
 constexpr int kRssiStep = 8;
 
@@ -105,9 +104,6 @@ VariantMap FakeDevice::DeviceProperties() const {
     if (config_.name) {
         properties["Name"] = sdbus::Variant(*config_.name);
     }
-    if (config_.classic) {
-        properties["Class"] = sdbus::Variant(kClassOfPhone);
-    }
     if (rssi_) {
         properties["RSSI"] = sdbus::Variant(*rssi_);
     }
@@ -153,8 +149,6 @@ void FakeDevice::RegisterDevice() {
             registrar.withGetter([current] { return current().get<sdbus::ObjectPath>(); });
         } else if (type == "as") {
             registrar.withGetter([current] { return current().get<std::vector<std::string>>(); });
-        } else if (type == "u") {
-            registrar.withGetter([current] { return current().get<uint32_t>(); });
         } else if (type == "n") {
             registrar.withGetter([current] { return current().get<int16_t>(); });
         } else {

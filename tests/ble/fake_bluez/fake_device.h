@@ -38,7 +38,6 @@ struct FakeDeviceConfig {
     std::string alias;                // empty: the name, else the address with '-'
     std::vector<FakeService> services = SensorServices();
     std::shared_ptr<VirtualSensor> sensor;    // may be null
-    bool classic = false;                     // carries a Class of Device
     std::string connectError;                 // Connect fails with this D-Bus error
     FakePairing pairing = FakePairing::None;  // asked of the agent on Connect
     bool resolveServices = true;              // false: ServicesResolved never comes
