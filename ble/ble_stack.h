@@ -30,6 +30,10 @@ enum : BleResult {
 
 enum class BleDeviceType { Unknown, Classic, Le };
 
+// Pairing requests that need no key from us: an authorisation to grant, or a
+// key the peer wants shown.
+enum class BlePairingNotice { Authorization, ServiceAuthorization, PasskeyShown, PinShown };
+
 // A radio of the stack; owned by the stack and valid for its whole life.
 class BleRadio {
 public:
@@ -60,11 +64,12 @@ public:
     virtual void OnDiscoveringStarted(BleRadio* radio) = 0;
     virtual void OnDeviceFound(BleRadio* radio, uint64_t address) = 0;
     virtual void OnDiscoveringCompleted(BleRadio* radio, BleResult result) = 0;
-    // Pairing: the handler fills in the answer.
-    virtual void OnNumericComparison(BleRadio* radio, uint64_t address, uint32_t number,
-                                     bool& confirm) = 0;
-    virtual void OnPasskeyRequest(BleRadio* radio, uint64_t address, uint32_t& passkey) = 0;
-    virtual void OnPinRequest(BleRadio* radio, uint64_t address, std::string& pin) = 0;
+    // Pairing on behalf of the device at `address`: the handler fills in the
+    // answer and returns true, or returns false to refuse the request.
+    virtual bool OnNumericComparison(BleRadio* radio, uint64_t address, uint32_t number) = 0;
+    virtual bool OnPasskeyRequest(BleRadio* radio, uint64_t address, uint32_t& passkey) = 0;
+    virtual bool OnPinRequest(BleRadio* radio, uint64_t address, std::string& pin) = 0;
+    virtual bool OnPairingNotice(BleRadio* radio, uint64_t address, BlePairingNotice notice) = 0;
     virtual void OnGattConnect(BleResult result) = 0;
     virtual void OnGattDisconnect(BleResult reason) = 0;
     virtual void OnCharacteristicChanged(uint16_t handle, const uint8_t* data, uint32_t size) = 0;

@@ -13,6 +13,8 @@ constexpr const char* kTagDeviceFound = "BtfrGattWrapper::wclBthDeviceFound";
 constexpr const char* kTagDiscoveringCompleted = "BtfrGattWrapper::wclBthDiscoveringCompleted";
 constexpr const char* kTagPasskeyRequest = "BtfrGattWrapper::wclBthPasskeyRequest";
 constexpr const char* kTagPinRequest = "BtfrGattWrapper::wclBthPinRequest";
+constexpr const char* kTagNumericComparison = "BtfrGattWrapper::wclBthNumericComparison";
+constexpr const char* kTagPairingNotice = "BtfrGattWrapper::wclBthPairingNotice";
 constexpr const char* kTagGattConnect = "BtfrGattWrapper::wclGattClientConnect";
 constexpr const char* kTagGattDisconnect = "BtfrGattWrapper::wclGattClientDisconnect";
 
@@ -110,6 +112,7 @@ void BtfrGattWrapper::Stop() {
     // Nothing is under way any more; a disconnect event that the closed stack
     // can no longer deliver must not leave a stale state behind.
     state_.exchange(0);
+    pairingTarget_.store(0);
     LOG_INFO("End\n");
 }
 
@@ -243,10 +246,13 @@ void BtfrGattWrapper::DoConnect() {
         notifyCharacteristic_ = {};
     }
     stack_->GattSetAddress(target_.address);
+    // Before the connect: the peer may ask for pairing while it is made.
+    pairingTarget_.store(target_.address);
     LOG_INFO("Connecting device:%s\n", target_.addressText.c_str());
     const BleResult result = stack_->GattConnect(target_.radio);
     if (result != BLE_OK) {
         LOG_INFO("Connect error:%08x\n", static_cast<unsigned>(result));
+        pairingTarget_.store(0);
         state_.exchange(0);
     }
 }
@@ -254,6 +260,7 @@ void BtfrGattWrapper::DoConnect() {
 void BtfrGattWrapper::OnGattConnect(BleResult result) {
     LOG_INFO_AS(kTagGattConnect, "wclGattClientConnect ret:%08x\n", static_cast<unsigned>(result));
     if (result != BLE_OK) {
+        pairingTarget_.store(0);
         state_.exchange(0);
         return;
     }
@@ -390,22 +397,50 @@ void BtfrGattWrapper::Disconnect() {
 void BtfrGattWrapper::OnGattDisconnect(BleResult reason) {
     LOG_INFO_AS(kTagGattDisconnect, "wclGattClientDisconnect reson:%08x\n",
                 static_cast<unsigned>(reason));
+    pairingTarget_.store(0);
     state_.exchange(0);
     ReportState(0);
 }
 
-void BtfrGattWrapper::OnNumericComparison(BleRadio* /*radio*/, uint64_t /*address*/,
-                                          uint32_t /*number*/, bool& confirm) {
-    confirm = true;
+bool BtfrGattWrapper::IsPairingTarget(const char* tag, const char* request, uint64_t address,
+                                      bool grantable) {
+    if (grantable && address != 0 && address == pairingTarget_.load()) {
+        return true;
+    }
+    LOG_INFO_AS(tag, "%s refused, device:%s\n", request, AddressText(address).c_str());
+    return false;
 }
 
-void BtfrGattWrapper::OnPasskeyRequest(BleRadio* /*radio*/, uint64_t /*address*/,
-                                       uint32_t& passkey) {
+bool BtfrGattWrapper::OnNumericComparison(BleRadio* /*radio*/, uint64_t address,
+                                          uint32_t /*number*/) {
+    return IsPairingTarget(kTagNumericComparison, "Numeric comparison", address);
+}
+
+bool BtfrGattWrapper::OnPasskeyRequest(BleRadio* /*radio*/, uint64_t address, uint32_t& passkey) {
+    if (!IsPairingTarget(kTagPasskeyRequest, "Passkey request", address)) {
+        return false;
+    }
     LOG_INFO_AS(kTagPasskeyRequest, "wclBthPasskeyRequest Pass key: %u\n", kPasskey);
     passkey = kPasskey;
+    return true;
 }
 
-void BtfrGattWrapper::OnPinRequest(BleRadio* /*radio*/, uint64_t /*address*/, std::string& pin) {
+bool BtfrGattWrapper::OnPinRequest(BleRadio* /*radio*/, uint64_t address, std::string& pin) {
+    if (!IsPairingTarget(kTagPinRequest, "PIN request", address)) {
+        return false;
+    }
     LOG_INFO_AS(kTagPinRequest, "wclBthPinRequest Pin: %s\n", kPin);
     pin = kPin;
+    return true;
+}
+
+// The sensor may ask for a just-works pairing or show a key while we connect
+// it. It never needs a service of this computer (it is only a GATT server),
+// so a service authorisation is refused even for it.
+bool BtfrGattWrapper::OnPairingNotice(BleRadio* /*radio*/, uint64_t address,
+                                      BlePairingNotice notice) {
+    static constexpr const char* kRequests[] = {"Pairing authorization", "Service authorization",
+                                                "Passkey display", "PIN display"};
+    return IsPairingTarget(kTagPairingNotice, kRequests[static_cast<int>(notice)], address,
+                           notice != BlePairingNotice::ServiceAuthorization);
 }

@@ -71,10 +71,10 @@ private:
     void OnDiscoveringStarted(BleRadio* radio) override;
     void OnDeviceFound(BleRadio* radio, uint64_t address) override;
     void OnDiscoveringCompleted(BleRadio* radio, BleResult result) override;
-    void OnNumericComparison(BleRadio* radio, uint64_t address, uint32_t number,
-                             bool& confirm) override;
-    void OnPasskeyRequest(BleRadio* radio, uint64_t address, uint32_t& passkey) override;
-    void OnPinRequest(BleRadio* radio, uint64_t address, std::string& pin) override;
+    bool OnNumericComparison(BleRadio* radio, uint64_t address, uint32_t number) override;
+    bool OnPasskeyRequest(BleRadio* radio, uint64_t address, uint32_t& passkey) override;
+    bool OnPinRequest(BleRadio* radio, uint64_t address, std::string& pin) override;
+    bool OnPairingNotice(BleRadio* radio, uint64_t address, BlePairingNotice notice) override;
     void OnGattConnect(BleResult result) override;
     void OnGattDisconnect(BleResult reason) override;
     void OnCharacteristicChanged(uint16_t handle, const uint8_t* data, uint32_t size) override;
@@ -86,6 +86,10 @@ private:
     bool GetDescriptor(const BleGattCharacteristic& characteristic);
     void SupervisionLoop();
     void ReportState(int32_t state);
+    // True when `address` is the device being connected and the request is
+    // `grantable`; anything else is refused, one log line each.
+    bool IsPairingTarget(const char* tag, const char* request, uint64_t address,
+                         bool grantable = true);
 
     std::atomic<BthCallback*> owner_{nullptr};
     std::unique_ptr<BleStack> stack_;  // the manager and the GATT client
@@ -93,6 +97,9 @@ private:
     std::mutex devicesMutex_;  // guards foundDevices_
     std::vector<FoundDevice> foundDevices_;
     FoundDevice target_;  // worker thread only
+    // The address pairing is answered for: the target from Connect until its
+    // link ends; 0 for none.
+    std::atomic<uint64_t> pairingTarget_{0};
 
     std::string nameFilter_;
     GattUuid serviceUuid_;

@@ -8,36 +8,45 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+
+#include "ble/ble_stack.h"
 
 namespace bluez {
 
 class Agent1 {
 public:
-    // An empty answer rejects the request.
-    template <typename T>
-    using Reply = std::function<void(std::optional<T>)>;
-
-    struct Handlers {
-        std::function<void(const std::string& device, Reply<uint32_t> reply)> requestPasskey;
-        std::function<void(const std::string& device, Reply<std::string> reply)> requestPinCode;
-        std::function<void(const std::string& device, uint32_t passkey, Reply<bool> reply)>
-            requestConfirmation;
+    struct Request {
+        enum class Kind { Passkey, PinCode, Confirmation, Notice };
+        Kind kind = Kind::Notice;
+        BlePairingNotice notice = BlePairingNotice::Authorization;  // for Kind::Notice
+        std::string device;                                         // object path
+        uint32_t number = 0;                                        // to compare
     };
+    // Not accepted: org.bluez.Error.Rejected.
+    struct Answer {
+        bool accepted = false;
+        uint32_t passkey = 0;
+        std::string pin;
+    };
+    using Reply = std::function<void(const Answer&)>;
+    using Handler = std::function<void(const Request&, Reply)>;
 
     static constexpr const char* kPath = "/org/orvane/agent";
     static constexpr const char* kCapability = "KeyboardDisplay";
 
-    Agent1(sdbus::IConnection& connection, Handlers handlers);
+    Agent1(sdbus::IConnection& connection, Handler handler);
     ~Agent1();
     Agent1(const Agent1&) = delete;
     Agent1& operator=(const Agent1&) = delete;
 
 private:
     void Register();
+    // Hands `request` to the handler; `send` gives an accepted answer.
+    template <typename Result, typename Send>
+    void Ask(Result&& result, Request request, Send send);
 
-    Handlers handlers_;
+    Handler handler_;
     std::unique_ptr<sdbus::IObject> object_;
 };
 

@@ -23,7 +23,7 @@ constexpr const char* kNameOwnerMatch =
 
 }  // namespace
 
-std::unique_ptr<BluezBus> BluezBus::Connect(Listener listener, Agent1::Handlers agent,
+std::unique_ptr<BluezBus> BluezBus::Connect(Listener listener, Agent1::Handler agent,
                                             std::string& error) {
     std::unique_ptr<BluezBus> bus;
     try {

@@ -36,7 +36,7 @@ public:
 
     // Connects, exports the pairing agent and starts the bus thread; null
     // without a system bus, with the reason in `error`.
-    static std::unique_ptr<BluezBus> Connect(Listener listener, Agent1::Handlers agent,
+    static std::unique_ptr<BluezBus> Connect(Listener listener, Agent1::Handler agent,
                                              std::string& error);
     ~BluezBus();
     BluezBus(const BluezBus&) = delete;

@@ -98,25 +98,36 @@ void BluezGattClient::OnConnectReply(uint64_t attempt, BleResult result) {
         }
     }
     if (result != BLE_OK) {
-        EndLink(result);
+        Abandon(result);
     } else if (resolved) {
         context_.sink.Dispatch([](BleStackEvents& e) { e.OnGattConnect(BLE_OK); });
     }
 }
 
 void BluezGattClient::OnResolveTimeout(uint64_t attempt) {
-    std::shared_ptr<Device1> device;
-    std::shared_ptr<BluezBus> bus;
     {
         std::lock_guard lock(mutex_);
         if (attempt != attempt_ || link_ != Link::Resolving) {
             return;
         }
+    }
+    Abandon(BLE_ERR_TIMEOUT);
+}
+
+void BluezGattClient::Abandon(BleResult reason) {
+    std::shared_ptr<Device1> device;
+    std::shared_ptr<BluezBus> bus;
+    {
+        std::lock_guard lock(mutex_);
         device = device_;
         bus = bus_;
     }
-    EndLink(BLE_ERR_TIMEOUT);
-    device->Disconnect();
+    // Cancelled before the failure is told: the next attempt must not meet
+    // this one still under way in bluetoothd.
+    if (device) {
+        device->Disconnect();
+    }
+    EndLink(reason);
 }
 
 void BluezGattClient::EndLink(BleResult reason) {

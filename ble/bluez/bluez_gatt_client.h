@@ -44,6 +44,10 @@ private:
 
     void OnConnectReply(uint64_t attempt, BleResult result);
     void OnResolveTimeout(uint64_t attempt);
+    // An attempt that failed on our side (an error or our time limit):
+    // bluetoothd may still complete it and would leave the link up with
+    // nobody using it, so it is cancelled.
+    void Abandon(BleResult reason);
     void OnDeviceChanged(const BusEvent& event);
     void OnValueChanged(const BusEvent& event);
     // Ends the link; the disconnect event when it was up, the connect event

@@ -1,7 +1,6 @@
 #include "ble/bluez/bluez_stack.h"
 
 #include <future>
-#include <optional>
 
 #include "ble/bluez/adapter1.h"
 #include "ble/bluez/agent_manager1.h"
@@ -89,7 +88,11 @@ BleResult BluezStack::Attach() {
             [this](BusEvent event) {
                 dispatcher_.Post([this, event = std::move(event)] { OnBusEvent(event); });
             },
-            AgentHandlers(), error);
+            [this](const Agent1::Request& request, Agent1::Reply reply) {
+                dispatcher_.Post(
+                    [this, request, reply = std::move(reply)] { OnAgentRequest(request, reply); });
+            },
+            error);
         if (!bus) {
             Note(Availability::NoBus, error);
             return BLE_ERR_NOT_OPEN;
@@ -186,52 +189,29 @@ std::shared_ptr<BluezBus> BluezStack::CurrentBus() {
     return wanted_ && loaded_ && bus_ && bus_->Alive() ? bus_ : nullptr;
 }
 
-Agent1::Handlers BluezStack::AgentHandlers() {
-    Agent1::Handlers handlers;
-    handlers.requestPasskey = [this](const std::string& device, Agent1::Reply<uint32_t> reply) {
-        dispatcher_.Post([this, device, reply] {
-            std::optional<uint32_t> answer;
-            AskAboutDevice(device, [&](BleStackEvents& e, BleRadio* radio, uint64_t address) {
-                uint32_t passkey = 0;
-                e.OnPasskeyRequest(radio, address, passkey);
-                answer = passkey;
-            });
-            reply(answer);
-        });
-    };
-    handlers.requestPinCode = [this](const std::string& device, Agent1::Reply<std::string> reply) {
-        dispatcher_.Post([this, device, reply] {
-            std::optional<std::string> answer;
-            AskAboutDevice(device, [&](BleStackEvents& e, BleRadio* radio, uint64_t address) {
-                std::string pin;
-                e.OnPinRequest(radio, address, pin);
-                answer = pin;
-            });
-            reply(answer);
-        });
-    };
-    handlers.requestConfirmation = [this](const std::string& device, uint32_t passkey,
-                                          Agent1::Reply<bool> reply) {
-        dispatcher_.Post([this, device, passkey, reply] {
-            std::optional<bool> answer;
-            AskAboutDevice(device, [&](BleStackEvents& e, BleRadio* radio, uint64_t address) {
-                bool confirm = false;
-                e.OnNumericComparison(radio, address, passkey, confirm);
-                answer = confirm;
-            });
-            reply(answer);
-        });
-    };
-    return handlers;
-}
-
-void BluezStack::AskAboutDevice(
-    const std::string& devicePath,
-    const std::function<void(BleStackEvents&, BleRadio*, uint64_t)>& ask) {
-    const auto properties = tree_.Properties(devicePath, kDeviceInterface);
+void BluezStack::OnAgentRequest(const Agent1::Request& request, const Agent1::Reply& reply) {
+    const auto properties = tree_.Properties(request.device, kDeviceInterface);
     const Device1::State device = properties ? Device1::Read(*properties) : Device1::State{};
     BleRadio* radio = device.adapter.empty() ? nullptr : RadioFor(device.adapter);
-    sink_.Dispatch([&](BleStackEvents& e) { ask(e, radio, device.address); });
+    const uint64_t address = device.address;
+    Agent1::Answer answer;
+    sink_.Dispatch([&](BleStackEvents& e) {
+        switch (request.kind) {
+            case Agent1::Request::Kind::Passkey:
+                answer.accepted = e.OnPasskeyRequest(radio, address, answer.passkey);
+                break;
+            case Agent1::Request::Kind::PinCode:
+                answer.accepted = e.OnPinRequest(radio, address, answer.pin);
+                break;
+            case Agent1::Request::Kind::Confirmation:
+                answer.accepted = e.OnNumericComparison(radio, address, request.number);
+                break;
+            case Agent1::Request::Kind::Notice:
+                answer.accepted = e.OnPairingNotice(radio, address, request.notice);
+                break;
+        }
+    });
+    reply(answer);
 }
 
 void BluezStack::OnBusEvent(const BusEvent& event) {
@@ -277,6 +257,19 @@ void BluezStack::ReportIfFound(const std::string& devicePath) {
     }
     BleRadio* radio = RadioFor(adapter);
     sink_.Dispatch([&](BleStackEvents& e) { e.OnDeviceFound(radio, device.address); });
+}
+
+// Devices bluetoothd already holds are found without a word from it: one
+// still connected (after our crash; a connected sensor stops advertising)
+// and one seen by another client's discovery, whose RSSI stays put and is
+// re-announced only when it moves by 8 dBm.
+void BluezStack::ReportHeldDevices() {
+    for (const auto& [path, properties] : tree_.ObjectsWith(kDeviceInterface)) {
+        const Device1::State device = Device1::Read(properties);
+        if (device.connected || device.hasRssi) {
+            ReportIfFound(path);
+        }
+    }
 }
 
 BluezStack::Radio* BluezStack::RadioFor(const std::string& adapterPath) {
@@ -355,6 +348,7 @@ BleResult BluezStack::Discover(BleRadio* radio, std::chrono::milliseconds limit)
     }
     dispatcher_.Post([this, radio] {
         sink_.Dispatch([radio](BleStackEvents& e) { e.OnDiscoveringStarted(radio); });
+        ReportHeldDevices();
     });
     dispatcher_.PostAfter(limit, [this, generation] { FinishDiscovery(generation); });
     return BLE_OK;

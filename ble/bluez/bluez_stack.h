@@ -67,11 +67,11 @@ private:
     BleResult CheckAdapters();
     void Note(Availability now, const std::string& detail = {});
     std::shared_ptr<BluezBus> CurrentBus();
-    Agent1::Handlers AgentHandlers();
-    void AskAboutDevice(const std::string& devicePath,
-                        const std::function<void(BleStackEvents&, BleRadio*, uint64_t)>& ask);
+    // Event thread: asks the events about the device behind the request.
+    void OnAgentRequest(const Agent1::Request& request, const Agent1::Reply& reply);
     void OnBusEvent(const BusEvent& event);  // event thread
     void ReportIfFound(const std::string& devicePath);
+    void ReportHeldDevices();  // event thread, as a discovery starts
     void FinishDiscovery(uint64_t generation);
     Radio* RadioFor(const std::string& adapterPath);
     std::vector<std::string> AdapterPaths() const;

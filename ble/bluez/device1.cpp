@@ -12,6 +12,7 @@ Device1::State Device1::Read(const PropertyMap& properties) {
     state.connected = BoolOf(properties, "Connected");
     state.servicesResolved = BoolOf(properties, "ServicesResolved");
     state.classic = properties.count("Class") != 0;
+    state.hasRssi = properties.count("RSSI") != 0;
     return state;
 }
 
@@ -37,7 +38,9 @@ BleResult Device1::ConnectAsync(std::chrono::milliseconds timeout,
 }
 
 BleResult Device1::Disconnect() {
-    return DBUS_CALL(*proxy_, kDeviceInterface, "Disconnect", timeout_, {});
+    return DBUS_CALL(*proxy_, kDeviceInterface, "Disconnect", timeout_, [](const sdbus::Error& e) {
+        return e.getName() == "org.bluez.Error.NotConnected";
+    });
 }
 
 }  // namespace bluez

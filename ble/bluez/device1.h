@@ -21,6 +21,7 @@ public:
         bool connected = false;
         bool servicesResolved = false;
         bool classic = false;  // carries a Class of Device: BR/EDR
+        bool hasRssi = false;  // heard by a discovery that still runs
     };
     static State Read(const PropertyMap& properties);
 
@@ -29,6 +30,7 @@ public:
 
     // The reply comes on the bus thread. Dropping this object cancels it.
     BleResult ConnectAsync(std::chrono::milliseconds timeout, std::function<void(BleResult)> done);
+    // Also cancels a connection still being made; no link is no failure.
     BleResult Disconnect();
 
 private:

@@ -508,10 +508,7 @@ bool VirtualStack::AskPeer(Answer& answer, Ask ask) {
     const auto posted = events_.Post([this, result, ask, initial = answer] {
         Answer value = initial;
         bool handled = false;
-        sink_.Dispatch([&](BleStackEvents& e) {
-            ask(e, value);
-            handled = true;
-        });
+        sink_.Dispatch([&](BleStackEvents& e) { handled = ask(e, value); });
         result->set_value({handled, value});
     });
     if (posted == 0) {
@@ -530,21 +527,22 @@ uint64_t VirtualStack::TargetAddress() const {
 bool VirtualStack::AskPasskey(uint32_t& passkey) {
     const uint64_t address = TargetAddress();
     return AskPeer(passkey, [this, address](BleStackEvents& e, uint32_t& value) {
-        e.OnPasskeyRequest(&radio_, address, value);
+        return e.OnPasskeyRequest(&radio_, address, value);
     });
 }
 
 bool VirtualStack::AskPin(std::string& pin) {
     const uint64_t address = TargetAddress();
     return AskPeer(pin, [this, address](BleStackEvents& e, std::string& value) {
-        e.OnPinRequest(&radio_, address, value);
+        return e.OnPinRequest(&radio_, address, value);
     });
 }
 
 bool VirtualStack::AskConfirmation(uint32_t number, bool& confirm) {
     const uint64_t address = TargetAddress();
     return AskPeer(confirm, [this, address, number](BleStackEvents& e, bool& value) {
-        e.OnNumericComparison(&radio_, address, number, value);
+        value = e.OnNumericComparison(&radio_, address, number);
+        return value;
     });
 }
 

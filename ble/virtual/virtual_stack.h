@@ -71,7 +71,7 @@ public:
     void SetFaults(const VirtualStackFaults& faults);
     // Link loss of the connected peripheral.
     void DropLink();
-    // Pairing requests as the peer would raise them; false when no handler answered.
+    // Pairing requests as the peer would raise them; false when refused or unanswered.
     bool AskPasskey(uint32_t& passkey);
     bool AskPin(std::string& pin);
     bool AskConfirmation(uint32_t number, bool& confirm);

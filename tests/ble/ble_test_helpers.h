@@ -15,6 +15,11 @@
 
 using orv::test::LogCapture;
 
+// The firmware-version request and the quick sensor's answer to it.
+inline const std::vector<uint8_t> kFirmwareRequest = {0x12, 0x00, 0x12};
+inline const std::vector<uint8_t> kFirmwareAnswer = {0x06, 0x03, '1',
+                                                     '2',  '0',  0x06 ^ 0x03 ^ '1' ^ '2' ^ '0'};
+
 // Records every state and data callback.
 class RecordingOwner : public BthCallback {
 public:

@@ -19,12 +19,8 @@ using orv::test::Eventually;
 using orv::test::FakeBluez;
 using orv::test::FakeDevice;
 using orv::test::FakeDeviceConfig;
-using orv::test::FakePairing;
 using States = std::vector<int32_t>;
 using Bytes = std::vector<uint8_t>;
-
-const Bytes kFirmwareRequest = {0x12, 0x00, 0x12};
-const Bytes kFirmwareAnswer = {0x06, 0x03, '1', '2', '0', 0x06 ^ 0x03 ^ '1' ^ '2' ^ '0'};
 
 FakeDeviceConfig Sensor(const std::string& address, const std::string& name) {
     FakeDeviceConfig config;
@@ -322,47 +318,6 @@ TEST_F(BluezWrapperTest, NoSystemBusAtAllIsWaitedOut) {
     wrapper_->Stop();
     setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
     EXPECT_EQ(CountOf(log.Text(), ")] createSystemBusConnection error:"), 1u);
-}
-
-TEST_F(BluezWrapperTest, AgentGivesTheSensorsPairingAnswers) {
-    bluez_.AddAdapter();
-    FakeDeviceConfig passkey = Sensor("C0:DE:5E:45:00:01", "orvane-passkey");
-    passkey.pairing = FakePairing::Passkey;
-    FakeDevice& device = bluez_.AddDevice(passkey);
-    ASSERT_TRUE(bluez_.Start());
-    LogCapture log;
-    StartWrapper();
-    ASSERT_TRUE(WaitState(3));
-    EXPECT_EQ(device.PairingAnswer(), "482913");
-
-    EXPECT_EQ(bluez_.AskPasskey(device), std::optional<uint32_t>(482913));
-    EXPECT_EQ(bluez_.AskPinCode(device), std::optional<std::string>("7316"));
-    EXPECT_TRUE(bluez_.AskConfirmation(device, 123456));
-    const std::string text = log.Text();
-    EXPECT_EQ(CountOf(text, ")] wclBthPasskeyRequest Pass key: 482913\n"), 2u);
-    EXPECT_EQ(CountOf(text, ")] wclBthPinRequest Pin: 7316\n"), 1u);
-}
-
-TEST_F(BluezWrapperTest, PinAndConfirmationPairingConnect) {
-    bluez_.AddAdapter();
-    FakeDeviceConfig pin = Sensor("C0:DE:5E:45:00:01", "orvane-pin");
-    pin.pairing = FakePairing::PinCode;
-    FakeDevice& device = bluez_.AddDevice(pin);
-    ASSERT_TRUE(bluez_.Start());
-    StartWrapper();
-    ASSERT_TRUE(WaitState(3));
-    EXPECT_EQ(device.PairingAnswer(), "7316");
-    wrapper_->Stop();
-
-    FakeDeviceConfig confirm = Sensor("C0:DE:5E:45:00:02", "orvane-confirm");
-    confirm.pairing = FakePairing::Confirmation;
-    device.SetInRange(false);
-    FakeDevice& second = bluez_.AddDevice(confirm);
-    owner_.Clear();
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    EXPECT_TRUE(second.Connected());
-    EXPECT_EQ(second.PairingAnswer(), "confirmed");
 }
 
 }  // namespace

@@ -20,8 +20,6 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr uint64_t kFirst = 0x00A1A2A3A4A5;
 constexpr uint64_t kSecond = 0x00B1B2B3B4B5;
-const Bytes kFirmwareRequest = {0x12, 0x00, 0x12};
-const Bytes kFirmwareAnswer = {0x06, 0x03, '1', '2', '0', 0x06 ^ 0x03 ^ '1' ^ '2' ^ '0'};
 
 VirtualPeripheral Peripheral(uint64_t address, const std::string& name,
                              std::shared_ptr<VirtualSensor> sensor = nullptr) {

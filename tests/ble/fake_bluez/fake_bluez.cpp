@@ -59,8 +59,15 @@ void FakeBluez::StartOnWorker(bool& started) {
             RegisterAdapter(*adapter);
         }
         for (auto& device : devices_) {
-            if (device->Config().known) {
+            if (device->Config().connectedAtStart) {
+                device->LinkAtStart();
+            } else if (device->Config().known) {
                 device->Export();
+            }
+        }
+        for (auto& adapter : adapters_) {
+            if (!adapter->clients.empty()) {
+                Advertise(*adapter, adapter->scan, 0);  // heard before we came
             }
         }
         nameWatch_ = connection_->addMatch(kNameOwnerChanged, [this](sdbus::Message& message) {
@@ -127,11 +134,6 @@ void FakeBluez::StopOnWorker() {
     bus_.root = nullptr;
     bus_.connection = nullptr;
     connection_.reset();  // the bus announces that org.bluez has no owner
-}
-
-bool FakeBluez::Running() const {
-    std::lock_guard lock(bus_.mutex);
-    return running_;
 }
 
 void FakeBluez::AddAdapter(const std::string& name, bool powered) {
@@ -207,17 +209,12 @@ void FakeBluez::RegisterAdapter(Adapter& adapter) {
         .implementedAs([this, &adapter] { StartDiscovery(adapter); });
     o.registerMethod("StopDiscovery")
         .onInterface(kAdapterInterface)
-        .implementedAs([this, &adapter] { StopDiscovery(adapter); });
+        .implementedAs([this, &adapter](sdbus::Result<>&& result) {
+            StopDiscovery(adapter, std::move(result));
+        });
     o.registerMethod("SetDiscoveryFilter")
         .onInterface(kAdapterInterface)
         .implementedAs([this](VariantMap filter) { SetDiscoveryFilter(filter); });
-    o.registerMethod("GetDiscoveryFilters").onInterface(kAdapterInterface).implementedAs([] {
-        std::vector<std::string> keys;
-        for (const auto& [key, type] : kFilterTypes) {
-            keys.push_back(key);
-        }
-        return keys;
-    });
     o.registerProperty("Address").onInterface(kAdapterInterface).withGetter([&adapter] {
         return adapter.address;
     });
@@ -354,8 +351,10 @@ void FakeBluez::Advertise(Adapter& adapter, uint64_t scan, int round) {
             return;
         }
     }
+    // A connected peripheral stops advertising.
     for (auto& device : devices_) {
-        if (device->Path().rfind(adapter.path + "/", 0) == 0 && device->InRange()) {
+        if (device->Path().rfind(adapter.path + "/", 0) == 0 && device->InRange() &&
+            !device->Connected()) {
             inRange.push_back(device.get());
         }
     }
@@ -367,22 +366,28 @@ void FakeBluez::Advertise(Adapter& adapter, uint64_t scan, int round) {
                    [this, &adapter, scan, round] { Advertise(adapter, scan, round + 1); });
 }
 
-void FakeBluez::StopDiscovery(Adapter& adapter) {
+// The reply comes after the end of the discovery is announced.
+void FakeBluez::StopDiscovery(Adapter& adapter, sdbus::Result<>&& result) {
     const std::string sender = Sender(*adapter.object);
     bool last = false;
     {
         std::lock_guard lock(bus_.mutex);
         if (adapter.clients.erase(sender) == 0) {
-            throw sdbus::Error("org.bluez.Error.Failed", "No discovery started");
+            result.returnError(sdbus::Error("org.bluez.Error.Failed", "No discovery started"));
+            return;
         }
-        ++discoveryStops_;
         last = adapter.clients.empty();
     }
-    if (last) {
-        EndDiscovery(adapter);
-    }
+    auto reply = std::make_shared<sdbus::Result<>>(std::move(result));
+    bus_.Post([this, &adapter, last, reply] {
+        if (last) {
+            EndDiscovery(adapter);
+        }
+        reply->returnResults();
+    });
 }
 
+// Worker thread, in line with the advertisements.
 void FakeBluez::EndDiscovery(Adapter& adapter) {
     {
         std::lock_guard lock(bus_.mutex);
@@ -392,13 +397,11 @@ void FakeBluez::EndDiscovery(Adapter& adapter) {
     FakeBus::EmitPropertiesChanged(*adapter.object, kAdapterInterface,
                                    {{"Discovering", sdbus::Variant(false)}});
     // RSSI disappears from devices that are not connected.
-    bus_.Post([this, &adapter] {
-        for (auto& device : devices_) {
-            if (device->Path().rfind(adapter.path + "/", 0) == 0) {
-                device->ForgetRssi();
-            }
+    for (auto& device : devices_) {
+        if (device->Path().rfind(adapter.path + "/", 0) == 0) {
+            device->ForgetRssi();
         }
-    });
+    }
 }
 
 void FakeBluez::OnClientGone(const std::string& name) {
@@ -415,18 +418,13 @@ void FakeBluez::OnClientGone(const std::string& name) {
         }
     }
     for (Adapter* adapter : ended) {
-        EndDiscovery(*adapter);
+        bus_.Post([this, adapter] { EndDiscovery(*adapter); });
     }
 }
 
 int FakeBluez::DiscoveryStarts() const {
     std::lock_guard lock(bus_.mutex);
     return discoveryStarts_;
-}
-
-int FakeBluez::DiscoveryStops() const {
-    std::lock_guard lock(bus_.mutex);
-    return discoveryStops_;
 }
 
 bool FakeBluez::Discovering() const {
@@ -449,22 +447,19 @@ FakeBus::Agent FakeBluez::Agent() const {
     return bus_.agent;
 }
 
-std::optional<uint32_t> FakeBluez::AskPasskey(const FakeDevice& device) {
-    std::optional<uint32_t> answer;
-    bus_.RunOnWorker([&] { answer = bus_.AskPasskey(device.Path()); });
+FakeBus::AgentAnswer FakeBluez::AskAgent(const FakeDevice& device, const std::string& method) {
+    FakeBus::AgentAnswer answer;
+    bus_.RunOnWorker([&] { answer = bus_.AskAgent(method, device.Path()); });
     return answer;
 }
 
-std::optional<std::string> FakeBluez::AskPinCode(const FakeDevice& device) {
-    std::optional<std::string> answer;
-    bus_.RunOnWorker([&] { answer = bus_.AskPinCode(device.Path()); });
-    return answer;
-}
-
-bool FakeBluez::AskConfirmation(const FakeDevice& device, uint32_t passkey) {
-    bool answer = false;
-    bus_.RunOnWorker([&] { answer = bus_.AskConfirmation(device.Path(), passkey); });
-    return answer;
+void FakeBluez::AddOtherScanner(const std::string& adapter) {
+    bus_.RunOnWorker([&] {
+        std::lock_guard lock(bus_.mutex);
+        if (Adapter* found = FindAdapter(adapter)) {
+            found->clients.insert(":other.scanner");
+        }
+    });
 }
 
 }  // namespace orv::test

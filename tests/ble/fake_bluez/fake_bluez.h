@@ -16,7 +16,6 @@
 
 #include <chrono>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -43,22 +42,21 @@ public:
     bool Start();
     // bluetoothd leaves: its connection closes with all its objects.
     void Stop();
-    bool Running() const;
 
     void AddAdapter(const std::string& name = "hci0", bool powered = true);
     void SetPowered(const std::string& name, bool powered);
     FakeDevice& AddDevice(const FakeDeviceConfig& config, const std::string& adapter = "hci0");
+    // Before Start: another client (a desktop's Bluetooth panel) keeps a
+    // discovery running on the adapter, so devices in range carry an RSSI.
+    void AddOtherScanner(const std::string& adapter = "hci0");
 
     int DiscoveryStarts() const;
-    int DiscoveryStops() const;
     bool Discovering() const;
     std::string LastDiscoveryFilter() const;  // "Transport=le"
     FakeBus::Agent Agent() const;
 
-    // Pairing questions to the registered agent, as bluetoothd asks them.
-    std::optional<uint32_t> AskPasskey(const FakeDevice& device);
-    std::optional<std::string> AskPinCode(const FakeDevice& device);
-    bool AskConfirmation(const FakeDevice& device, uint32_t passkey);
+    // A request to the registered agent on behalf of `device`.
+    FakeBus::AgentAnswer AskAgent(const FakeDevice& device, const std::string& method);
 
 private:
     struct Adapter {
@@ -77,7 +75,7 @@ private:
     void RegisterAgentManager();
     std::string Sender(sdbus::IObject& object) const;
     void StartDiscovery(Adapter& adapter);
-    void StopDiscovery(Adapter& adapter);
+    void StopDiscovery(Adapter& adapter, sdbus::Result<>&& result);
     void SetDiscoveryFilter(const VariantMap& filter);
     void Advertise(Adapter& adapter, uint64_t scan, int round);
     void EndDiscovery(Adapter& adapter);
@@ -95,7 +93,6 @@ private:
     std::vector<std::unique_ptr<Adapter>> adapters_;
     std::vector<std::unique_ptr<FakeDevice>> devices_;
     int discoveryStarts_ = 0;
-    int discoveryStops_ = 0;
     std::string lastFilter_;
     bool running_ = false;
 };

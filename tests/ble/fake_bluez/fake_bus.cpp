@@ -3,12 +3,14 @@
 #include <future>
 
 #include "ble/bluez/bluez_names.h"
+#include "ble/virtual/sensor_gatt_ids.h"
 
 namespace orv::test {
 
 namespace {
 
 constexpr auto kAgentTimeout = std::chrono::seconds(5);
+constexpr uint32_t kComparisonNumber = 123456;
 
 }  // namespace
 
@@ -41,62 +43,42 @@ void FakeBus::EmitInterfacesAdded(const std::string& path,
     root->emitSignal(signal);
 }
 
-void FakeBus::EmitInterfacesRemoved(const std::string& path,
-                                    const std::vector<std::string>& interfaces) {
-    auto signal = root->createSignal(bluez::kObjectManagerInterface, "InterfacesRemoved");
-    signal << sdbus::ObjectPath(path) << interfaces;
-    root->emitSignal(signal);
-}
-
-bool FakeBus::CallAgent(const std::function<void(sdbus::IProxy&)>& call) {
+FakeBus::AgentAnswer FakeBus::AskAgent(const std::string& method, const std::string& devicePath) {
     Agent registered;
     {
         std::lock_guard lock(mutex);
         registered = agent;
     }
     if (connection == nullptr || registered.owner.empty()) {
-        return false;
+        return {"no agent", ""};
     }
     auto proxy = sdbus::createProxy(*connection, registered.owner, registered.path);
-    try {
-        call(*proxy);
-    } catch (const sdbus::Error&) {
-        return false;  // org.bluez.Error.Rejected, or no answer
+    auto call = proxy->createMethodCall(bluez::kAgentInterface, method);
+    call << sdbus::ObjectPath(devicePath);
+    if (method == "RequestConfirmation" || method == "DisplayPasskey") {
+        call << kComparisonNumber;
     }
-    return true;
-}
-
-std::optional<uint32_t> FakeBus::AskPasskey(const std::string& devicePath) {
-    uint32_t passkey = 0;
-    const bool answered = CallAgent([&](sdbus::IProxy& proxy) {
-        proxy.callMethod("RequestPasskey")
-            .onInterface(bluez::kAgentInterface)
-            .withTimeout(kAgentTimeout)
-            .withArguments(sdbus::ObjectPath(devicePath))
-            .storeResultsTo(passkey);
-    });
-    return answered ? std::optional(passkey) : std::nullopt;
-}
-
-std::optional<std::string> FakeBus::AskPinCode(const std::string& devicePath) {
-    std::string pin;
-    const bool answered = CallAgent([&](sdbus::IProxy& proxy) {
-        proxy.callMethod("RequestPinCode")
-            .onInterface(bluez::kAgentInterface)
-            .withTimeout(kAgentTimeout)
-            .withArguments(sdbus::ObjectPath(devicePath))
-            .storeResultsTo(pin);
-    });
-    return answered ? std::optional(pin) : std::nullopt;
-}
-
-bool FakeBus::AskConfirmation(const std::string& devicePath, uint32_t passkey) {
-    return CallAgent([&](sdbus::IProxy& proxy) {
-        proxy.callMethod("RequestConfirmation")
-            .onInterface(bluez::kAgentInterface)
-            .withTimeout(kAgentTimeout)
-            .withArguments(sdbus::ObjectPath(devicePath), passkey);
-    });
+    if (method == "DisplayPasskey") {
+        call << uint16_t{0};  // digits typed so far
+    } else if (method == "DisplayPinCode") {
+        call << std::string("0000");
+    } else if (method == "AuthorizeService") {
+        call << std::string(kSensorServiceUuid);
+    }
+    AgentAnswer answer;
+    try {
+        auto reply = proxy->callMethod(call, kAgentTimeout);
+        if (method == "RequestPasskey") {
+            uint32_t passkey = 0;
+            reply >> passkey;
+            answer.value = std::to_string(passkey);
+        } else if (method == "RequestPinCode") {
+            reply >> answer.value;
+        }
+    } catch (const sdbus::Error& error) {
+        answer.error = error.getName();
+    }
+    return answer;
 }
 
 }  // namespace orv::test

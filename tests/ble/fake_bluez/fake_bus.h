@@ -9,7 +9,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,18 +49,18 @@ public:
                                       const std::vector<std::string>& invalidated = {});
     void EmitInterfacesAdded(const std::string& path,
                              const std::map<std::string, VariantMap>& interfaces);
-    void EmitInterfacesRemoved(const std::string& path, const std::vector<std::string>& interfaces);
 
-    // Pairing questions to the registered agent, as bluetoothd asks them.
-    // Worker thread only; empty when there is no agent or it refused.
-    std::optional<uint32_t> AskPasskey(const std::string& devicePath);
-    std::optional<std::string> AskPinCode(const std::string& devicePath);
-    bool AskConfirmation(const std::string& devicePath, uint32_t passkey);
+    // What the registered agent answered: the D-Bus error name (empty when
+    // it accepted), and the passkey as text or the PIN it gave.
+    struct AgentAnswer {
+        std::string error;
+        std::string value;
+    };
+    // One Agent1 request on behalf of a device, as bluetoothd makes it
+    // ("RequestPasskey", "DisplayPinCode", ...). Worker thread only.
+    AgentAnswer AskAgent(const std::string& method, const std::string& devicePath);
 
 private:
-    // False when there is no agent or the call failed.
-    bool CallAgent(const std::function<void(sdbus::IProxy&)>& call);
-
     TimerQueue worker_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <map>
 
 #include "ble/bluez/bluez_names.h"
 #include "ble/virtual/sensor_gatt_ids.h"
@@ -14,11 +16,8 @@ using bluez::kCharacteristicInterface;
 using bluez::kDeviceInterface;
 using bluez::kServiceInterface;
 
-// The sensor's fixed pairing answers; anything else fails authentication.
-constexpr uint32_t kSensorPasskey = 482913;
-constexpr const char* kSensorPin = "7316";
-constexpr uint32_t kComparisonNumber = 123456;
-constexpr uint32_t kClassOfPhone = 0x5A020C;
+// bluetoothd announces an RSSI change only from this size on.
+constexpr int kRssiStep = 8;
 
 sdbus::Error Failed(const char* message) {
     return sdbus::Error("org.bluez.Error.Failed", message);
@@ -55,7 +54,8 @@ FakeDevice::FakeDevice(FakeBus& bus, FakeDeviceConfig config, std::string adapte
     : bus_(bus),
       config_(std::move(config)),
       adapterPath_(std::move(adapterPath)),
-      path_(DevicePath(adapterPath_, config_.address)) {
+      path_(DevicePath(adapterPath_, config_.address)),
+      hangsLeft_(config_.hangingConnects) {
     BuildGatt();
 }
 
@@ -80,7 +80,7 @@ void FakeDevice::BuildGatt() {
     }
 }
 
-VariantMap FakeDevice::DeviceProperties(std::optional<int16_t> rssi) const {
+VariantMap FakeDevice::DeviceProperties() const {
     std::vector<std::string> uuids;
     for (const FakeService& service : config_.services) {
         uuids.push_back(service.uuid);
@@ -104,11 +104,8 @@ VariantMap FakeDevice::DeviceProperties(std::optional<int16_t> rssi) const {
     if (config_.name) {
         properties["Name"] = sdbus::Variant(*config_.name);
     }
-    if (config_.classic) {
-        properties["Class"] = sdbus::Variant(kClassOfPhone);
-    }
-    if (rssi) {
-        properties["RSSI"] = sdbus::Variant(*rssi);
+    if (rssi_) {
+        properties["RSSI"] = sdbus::Variant(*rssi_);
     }
     return properties;
 }
@@ -128,18 +125,21 @@ void FakeDevice::RegisterDevice() {
             auto reply = std::make_shared<sdbus::Result<>>(std::move(result));
             bus_.Post([this, reply] { Disconnect(reply); });
         });
-    // Every property as DeviceProperties has it, read at the time of the call.
+    // Every property as DeviceProperties has it, read at the time of the
+    // call; one that went away since keeps its last value.
     VariantMap initial;
     {
         std::lock_guard lock(bus_.mutex);
-        initial = DeviceProperties(std::nullopt);
+        initial = DeviceProperties();
     }
     for (const auto& [name, value] : initial) {
         const std::string key = name;
         const std::string type = value.peekValueType();
-        auto current = [this, key] {
+        auto current = [this, key, last = value] {
             std::lock_guard guard(bus_.mutex);
-            return DeviceProperties(std::nullopt).at(key);
+            const VariantMap properties = DeviceProperties();
+            const auto found = properties.find(key);
+            return found != properties.end() ? found->second : last;
         };
         auto registrar = o.registerProperty(key);
         registrar.onInterface(kDeviceInterface);
@@ -149,8 +149,8 @@ void FakeDevice::RegisterDevice() {
             registrar.withGetter([current] { return current().get<sdbus::ObjectPath>(); });
         } else if (type == "as") {
             registrar.withGetter([current] { return current().get<std::vector<std::string>>(); });
-        } else if (type == "u") {
-            registrar.withGetter([current] { return current().get<uint32_t>(); });
+        } else if (type == "n") {
+            registrar.withGetter([current] { return current().get<int16_t>(); });
         } else {
             registrar.withGetter([current] { return current().get<std::string>(); });
         }
@@ -167,26 +167,50 @@ void FakeDevice::Export() {
     exported_ = true;
 }
 
+void FakeDevice::LinkAtStart() {
+    {
+        std::lock_guard lock(bus_.mutex);
+        connected_ = resolved_ = true;
+    }
+    Export();
+    ExportGatt();
+    if (config_.sensor) {
+        config_.sensor->Attach(this);
+    }
+}
+
 void FakeDevice::Announce(int16_t rssi) {
-    if (!Exported()) {
+    bool changed = false;
+    bool isNew = false;
+    {
+        std::lock_guard lock(bus_.mutex);
+        changed = !rssi_ || std::abs(*rssi_ - rssi) >= kRssiStep;
+        isNew = !exported_;
+        if (changed) {
+            rssi_ = rssi;
+        }
+    }
+    if (isNew) {
         Export();
         VariantMap properties;
         {
             std::lock_guard lock(bus_.mutex);
-            properties = DeviceProperties(rssi);
+            properties = DeviceProperties();
         }
         bus_.EmitInterfacesAdded(path_, {{kDeviceInterface, properties}});
-        return;
+    } else if (changed) {
+        FakeBus::EmitPropertiesChanged(*object_, kDeviceInterface,
+                                       {{"RSSI", sdbus::Variant(rssi)}});
     }
-    FakeBus::EmitPropertiesChanged(*object_, kDeviceInterface, {{"RSSI", sdbus::Variant(rssi)}});
 }
 
 void FakeDevice::ForgetRssi() {
     {
         std::lock_guard lock(bus_.mutex);
-        if (!exported_ || connected_) {
+        if (!exported_ || connected_ || !rssi_) {
             return;
         }
+        rssi_.reset();
     }
     FakeBus::EmitPropertiesChanged(*object_, kDeviceInterface, {}, {"RSSI"});
 }
@@ -209,6 +233,8 @@ void FakeDevice::Unexport() {
         }
         objects.push_back(std::move(object_));
         exported_ = gattExported_ = connected_ = resolved_ = false;
+        rssi_.reset();
+        hangingConnect_.reset();
     }
     objects.clear();
 }
@@ -263,12 +289,6 @@ void FakeDevice::RegisterCharacteristic(Characteristic& c, const std::string& se
         .implementedAs([this, &c](std::vector<uint8_t> value, VariantMap options) {
             WriteValue(c, value, options);
         });
-    o.registerMethod("ReadValue")
-        .onInterface(kCharacteristicInterface)
-        .implementedAs([this, &c](VariantMap) {
-            std::lock_guard lock(bus_.mutex);
-            return c.value;
-        });
     o.registerProperty("UUID").onInterface(kCharacteristicInterface).withGetter([&c] {
         return c.definition.uuid;
     });
@@ -306,31 +326,21 @@ bool FakeDevice::Pair() {
             return true;
         }
     }
-    bool accepted = false;
-    std::string answer;
-    switch (config_.pairing) {
-        case FakePairing::Passkey: {
-            const auto passkey = bus_.AskPasskey(path_);
-            answer = passkey ? std::to_string(*passkey) : "none";
-            accepted = passkey == kSensorPasskey;
-            break;
-        }
-        case FakePairing::PinCode: {
-            const auto pin = bus_.AskPinCode(path_);
-            answer = pin.value_or("none");
-            accepted = pin == kSensorPin;
-            break;
-        }
-        case FakePairing::Confirmation:
-            accepted = bus_.AskConfirmation(path_, kComparisonNumber);
-            answer = accepted ? "confirmed" : "rejected";
-            break;
-        case FakePairing::None:
-            break;
-    }
+    // The agent request of each pairing method, and the answer the sensor
+    // takes (anything else fails authentication).
+    static const std::map<FakePairing, std::pair<const char*, const char*>> kMethods = {
+        {FakePairing::Passkey, {"RequestPasskey", "482913"}},
+        {FakePairing::PinCode, {"RequestPinCode", "7316"}},
+        {FakePairing::Confirmation, {"RequestConfirmation", ""}},
+    };
+    const auto& [method, expected] = kMethods.at(config_.pairing);
+    const FakeBus::AgentAnswer answer = bus_.AskAgent(method, path_);
+    const bool accepted = answer.error.empty() && answer.value == expected;
     {
         std::lock_guard lock(bus_.mutex);
-        pairingAnswer_ = answer;
+        pairingAnswer_ = !answer.error.empty()  ? "refused"
+                         : answer.value.empty() ? "confirmed"
+                                                : answer.value;
         paired_ = accepted;
     }
     if (accepted) {
@@ -344,14 +354,24 @@ bool FakeDevice::Pair() {
 // ServicesResolved.
 void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
     std::string error;
+    bool linked = false;
     {
         std::lock_guard lock(bus_.mutex);
         ++connectCalls_;
+        linked = connected_;
         if (!config_.connectError.empty()) {
             error = config_.connectError;
-        } else if (connected_) {
-            error = "org.bluez.Error.AlreadyConnected";
+        } else if (hangingConnect_) {
+            error = "org.bluez.Error.InProgress";
+        } else if (!linked && hangsLeft_ > 0) {
+            --hangsLeft_;
+            hangingConnect_ = reply;
+            return;
         }
+    }
+    if (error.empty() && linked) {
+        reply->returnResults();  // an LE link that is up: nothing to do
+        return;
     }
     if (error.empty() && !InRange()) {
         error = "org.bluez.Error.Failed";  // le-connection-abort-by-local
@@ -384,14 +404,22 @@ void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
     }
 }
 
-// bluetoothd's order: ServicesResolved false, the method reply, Connected false.
+// bluetoothd's order: ServicesResolved false, the method reply, Connected
+// false. A connection still being made is cancelled.
 void FakeDevice::Disconnect(std::shared_ptr<sdbus::Result<>> reply) {
     bool wasConnected = false;
+    std::shared_ptr<sdbus::Result<>> cancelled;
     {
         std::lock_guard lock(bus_.mutex);
         ++disconnectCalls_;
         wasConnected = connected_;
         resolved_ = false;
+        cancelled = std::move(hangingConnect_);
+    }
+    if (cancelled) {
+        cancelled->returnError(Failed("le-connection-abort-by-local"));
+        reply->returnResults();
+        return;
     }
     if (!wasConnected) {
         reply->returnError(sdbus::Error("org.bluez.Error.NotConnected", "Not Connected"));

@@ -38,11 +38,14 @@ struct FakeDeviceConfig {
     std::string alias;                // empty: the name, else the address with '-'
     std::vector<FakeService> services = SensorServices();
     std::shared_ptr<VirtualSensor> sensor;    // may be null
-    bool classic = false;                     // carries a Class of Device
     std::string connectError;                 // Connect fails with this D-Bus error
     FakePairing pairing = FakePairing::None;  // asked of the agent on Connect
     bool resolveServices = true;              // false: ServicesResolved never comes
     bool known = false;                       // in GetManagedObjects from the start
+    // Linked before the program started (e.g. it crashed): known, with its
+    // GATT objects, and silent, as a connected peripheral stops advertising.
+    bool connectedAtStart = false;
+    int hangingConnects = 0;  // the first Connect calls wait until Disconnect cancels them
 };
 
 struct FakeWrite {
@@ -78,13 +81,14 @@ public:
     int StartNotifyCalls() const;
     int StopNotifyCalls() const;
     std::vector<FakeWrite> Writes() const;
-    std::string PairingAnswer() const;  // what the agent answered on Connect
+    std::string PairingAnswer() const;  // what the agent answered on Connect, or "refused"
 
     // For the fake service, on its worker.
     bool InRange() const;
     bool Exported() const;
     void Export();                // the Device1 object, without a signal
-    void Announce(int16_t rssi);  // new: InterfacesAdded; known: RSSI changed
+    void LinkAtStart();           // as connectedAtStart asks, before org.bluez is taken
+    void Announce(int16_t rssi);  // new: InterfacesAdded; known: RSSI changed by 8 dBm or more
     void ForgetRssi();            // discovery ended: RSSI invalidated
     void Unexport();              // bluetoothd leaves: objects gone, link down
 
@@ -106,7 +110,7 @@ private:
     void SensorLinkDropped() override;
 
     void BuildGatt();
-    VariantMap DeviceProperties(std::optional<int16_t> rssi) const;
+    VariantMap DeviceProperties() const;
     void RegisterDevice();
     void ExportGatt();
     void RegisterCharacteristic(Characteristic& characteristic, const std::string& servicePath);
@@ -148,6 +152,9 @@ private:
     int stopNotifyCalls_ = 0;
     std::vector<FakeWrite> writes_;
     std::string pairingAnswer_;
+    std::optional<int16_t> rssi_;
+    int hangsLeft_ = 0;
+    std::shared_ptr<sdbus::Result<>> hangingConnect_;  // its reply, held until cancelled
     std::vector<Service> services_;
     std::vector<std::unique_ptr<Characteristic>> characteristics_;
     std::unique_ptr<sdbus::IObject> object_;

@@ -1,0 +1,138 @@
+// The sensor link on a machine that is not fresh: bluetoothd already holds
+// the sensor, another program scans, other devices pair, a connect hangs.
+#include <gtest/gtest.h>
+
+#include "ble/bluez/make_bluez_stack.h"
+#include "tests/ble/ble_test_helpers.h"
+#include "tests/ble/fake_bluez/fake_bluez.h"
+#include "tests/ble/fake_bluez/private_system_bus.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using orv::test::CountOf;
+using orv::test::Eventually;
+using orv::test::FakeBluez;
+using orv::test::FakeDevice;
+using orv::test::FakeDeviceConfig;
+using States = std::vector<int32_t>;
+
+FakeDeviceConfig Sensor() {
+    FakeDeviceConfig config;
+    config.address = "C0:DE:5E:45:00:01";
+    config.name = "orvane-demo";
+    config.sensor = QuickSensor("orvane-demo");
+    return config;
+}
+
+// A fresh bluetoothd with one adapter per case; the wrapper starts last.
+struct Machine {
+    orv::test::PrivateSystemBus bus;  // outlives every client of the bus
+    FakeBluez bluez;
+    RecordingOwner owner;
+    std::unique_ptr<BtfrGattWrapper> wrapper;
+
+    Machine() { bluez.AddAdapter(); }
+    ~Machine() {
+        if (wrapper) {
+            wrapper->Stop();
+        }
+    }
+    bool Start(std::chrono::milliseconds connectLimit) {
+        BluezTiming timing;
+        timing.connect = connectLimit;
+        timing.adapterWait = 100ms;
+        if (!bus.ok() || !bluez.Start()) {
+            return false;
+        }
+        wrapper = MakeSensorWrapper(MakeBluezStack(timing), owner, {50ms, 200ms});
+        wrapper->Start();
+        return true;
+    }
+    bool Answers() {
+        return wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3) &&
+               Eventually([&] { return owner.Received(kFirmwareAnswer); });
+    }
+};
+
+TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
+    struct Case {
+        const char* name;
+        bool connectedAtStart;  // left linked by a program that died
+        bool otherScanner;      // RSSI present and still: no signal ever comes
+        int hangingConnects;    // left pending, it would refuse the next as in progress
+        States states;
+        int scans;
+        int connects;
+        int disconnects;
+    };
+    const Case cases[] = {
+        {"connected at start", true, false, 0, {1, 2, 3}, 1, 1, 0},
+        {"another client scanning", false, true, 0, {1, 2, 3}, 1, 1, 0},
+        {"connect times out", false, false, 1, {1, 2, 1, 2, 3}, 2, 2, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Machine machine;
+        FakeDeviceConfig config = Sensor();
+        config.connectedAtStart = c.connectedAtStart;
+        config.hangingConnects = c.hangingConnects;
+        FakeDevice& sensor = machine.bluez.AddDevice(config);
+        if (c.otherScanner) {
+            machine.bluez.AddOtherScanner();
+        }
+        ASSERT_TRUE(machine.Start(c.hangingConnects > 0 ? 300ms : 3s));
+        ASSERT_TRUE(Eventually([&] { return machine.wrapper->GetState() == 3; }));
+        EXPECT_EQ(machine.owner.States(), c.states);
+        EXPECT_EQ(machine.bluez.DiscoveryStarts(), c.scans);
+        EXPECT_EQ(sensor.ConnectCalls(), c.connects);
+        EXPECT_EQ(sensor.DisconnectCalls(), c.disconnects);
+        EXPECT_TRUE(sensor.Notifying());
+        EXPECT_TRUE(machine.Answers());
+    }
+}
+
+TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
+    Machine machine;
+    FakeDeviceConfig config = Sensor();
+    config.pairing = orv::test::FakePairing::Passkey;
+    FakeDevice& sensor = machine.bluez.AddDevice(config);
+    FakeDeviceConfig other;
+    other.address = "C0:DE:5E:45:00:99";
+    other.name = "headset";
+    other.known = true;
+    FakeDevice& headset = machine.bluez.AddDevice(other);
+    LogCapture log;
+    ASSERT_TRUE(machine.Start(3s));
+    ASSERT_TRUE(Eventually([&] { return machine.wrapper->GetState() == 3; }));
+    EXPECT_EQ(sensor.PairingAnswer(), "482913");
+
+    const std::string rejected = "org.bluez.Error.Rejected";
+    struct Case {
+        const char* method;
+        std::string sensorError;
+        std::string sensorValue;
+    };
+    const Case cases[] = {
+        {"RequestPasskey", "", "482913"},   {"RequestPinCode", "", "7316"},
+        {"RequestConfirmation", "", ""},    {"RequestAuthorization", "", ""},
+        {"AuthorizeService", rejected, ""},  // the sensor needs no service of ours
+        {"DisplayPasskey", "", ""},         {"DisplayPinCode", "", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.method);
+        const auto forSensor = machine.bluez.AskAgent(sensor, c.method);
+        EXPECT_EQ(forSensor.error, c.sensorError);
+        EXPECT_EQ(forSensor.value, c.sensorValue);
+        EXPECT_EQ(machine.bluez.AskAgent(headset, c.method).error, rejected);
+    }
+    EXPECT_EQ(CountOf(log.Text(), " refused, device:c0de5e450099\n"), 7u);
+    EXPECT_EQ(CountOf(log.Text(), ")] Service authorization refused, device:c0de5e450001\n"), 1u);
+
+    // Once its link is gone, the sensor is no longer answered either.
+    sensor.SetInRange(false);
+    ASSERT_TRUE(Eventually([&] { return machine.owner.StatesFrom(3) == States{0, 1}; }));
+    EXPECT_EQ(machine.bluez.AskAgent(sensor, "RequestPasskey").error, rejected);
+}
+
+}  // namespace
