@@ -23,6 +23,8 @@ PACKAGES=(
   qt6-base-dev libcurl4-openssl-dev
   # headless windows and test certificates
   xvfb xauth openssl
+  # the Debian package (make package) and its checks
+  dpkg-dev librsvg2-bin lintian desktop-file-utils appstream iproute2
 )
 
 missing=()
