@@ -53,6 +53,7 @@ dpkg-deb -x "$deb" "$work/root"
 desktop-file-validate "$work"/root/usr/share/applications/*.desktop
 appstreamcli validate --no-net "$work"/root/usr/share/metainfo/*.metainfo.xml
 "$work/root/usr/bin/OrvaneWin" --version | grep -x "Orvane X [0-9.]*"
+"$work/root/usr/bin/OrvaneWin" --help | grep -q -- "-debug_file"
 
 # Port 2483 is fixed: a private network (when the system allows one) keeps
 # other simulators on this machine out of the way.
