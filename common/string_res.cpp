@@ -47,7 +47,7 @@ std::filesystem::path DataFolder() {
     if (std::filesystem::is_directory(program / "lang", error)) {
         return program;
     }
-    return program.parent_path() / "share" / "orvane-x";
+    return program.parent_path() / ORVANE_DATA_DIR;
 }
 
 }  // namespace orv
