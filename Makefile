@@ -1,10 +1,11 @@
 # The two commands of the README: `make run` and `make test`.
 # Both install what is missing from Debian's packages first.
+# `make package` builds the Debian package into build/default/package/.
 
 JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 20
 
-.PHONY: run test deps build test-unit fuzz asan tsan sanitizers bench clean
+.PHONY: run test deps build package test-unit fuzz asan tsan sanitizers bench clean
 
 run: build
 	./scripts/run.sh
@@ -19,6 +20,9 @@ deps:
 build: deps
 	@cmake --preset default >/dev/null
 	cmake --build --preset default -j $(JOBS)
+
+package: build
+	cd build/default && cpack -G DEB
 
 # Every fuzz target for a bounded time, under address and undefined sanitizers.
 fuzz: deps

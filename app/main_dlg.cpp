@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -12,6 +13,7 @@
 #include "app/posted_message.h"
 #include "app/record_preview.h"
 #include "app/shot_text.h"
+#include "app/simulator_host.h"
 #include "app/simulator_launcher.h"
 #include "app/version_check_worker.h"
 #include "common/debug_log.h"
@@ -72,7 +74,8 @@ bool CMainDlg::OnInitDialog() {
     if (!CreateRecordPreview()) {
         ReleaseRecordPreview();
     }
-    setWindowIcon(QIcon::fromTheme(QStringLiteral("applications-games")));
+    setWindowIcon(QIcon::fromTheme(QStringLiteral(ORVANE_APP_ID),
+                                   QIcon::fromTheme(QStringLiteral("applications-games"))));
 
     // Centred in the work area at the fixed size.
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
@@ -110,7 +113,7 @@ bool CMainDlg::OnInitDialog() {
     TTS_Init();
 
     Orvane::OrvManager* manager = Orvane::OrvManager::GetInstance();
-    Orvane::OrvManagerConfig config = options_.session;
+    Orvane::OrvManagerConfig config = WithSimulatorHost(options_.session);
     config.demoMode = config.demoMode || options_.demo;
     manager->SetConfig(std::move(config));
     manager->SetCallback(this);
@@ -147,6 +150,7 @@ void CMainDlg::LoadSettings() {
     control_->radioGroupShowShotResult->SetSelectedIndex(settings->hideShotResult ? 1 : 0);
     control_->radioGroupCameraPreview->SetSelectedIndex(settings->showPreview ? 0 : 1);
     control_->radioGroupSwingRecord->SetSelectedIndex(settings->recording ? 0 : 1);
+    control_->tbE6Host->setText(QString::fromStdString(settings->GetSimulatorHost()));
     ShowPreviewPerSettings();
 }
 
@@ -159,8 +163,15 @@ void CMainDlg::SaveSettings() {
     settings->hideShotResult = control_->radioGroupShowShotResult->SelectedIndex() != 0;
     settings->showPreview = control_->radioGroupCameraPreview->SelectedIndex() == 0;
     settings->recording = control_->radioGroupSwingRecord->SelectedIndex() == 0;
+    const std::string host = control_->tbE6Host->text().trimmed().toStdString();
+    // Only a changed host moves the link; an unchanged one leaves it alone.
+    const bool hostChanged = host != settings->GetSimulatorHost();
+    settings->SetSimulatorHost(host);
     settings->SaveSetting();
     Orvane::OrvManager::GetInstance()->ChangeSettings();
+    if (hostChanged) {
+        Orvane::OrvManager::GetInstance()->ChangeSimulatorHost(host);
+    }
     ShowPreviewPerSettings();
 }
 

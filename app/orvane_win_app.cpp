@@ -8,6 +8,7 @@
 #include "app/console_reporter.h"
 #include "app/main_dlg.h"
 #include "app/quit_signals.h"
+#include "app/simulator_host.h"
 #include "app/single_instance.h"
 #include "app/version_check.h"
 #include "common/debug_log.h"
@@ -35,6 +36,10 @@ void SayAlreadyRunning() {
 
 int COrvaneWinApp::Run(int argc, char** argv) {
     const StartupOptions options = ParseStartupOptions(argc, argv);
+    if (options.help || options.version) {
+        std::fputs(options.help ? kUsageText : ("Orvane X " + GetVersion() + "\n").c_str(), stdout);
+        return 0;
+    }
     ApplyStartupOptions(options);
     if (!options.console && !HasDisplay()) {
         LOG_INFO("No display: running in console mode\n");
@@ -52,6 +57,8 @@ void COrvaneWinApp::LoadLanguage() {
 
 int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& options) {
     QApplication app(argc, argv);
+    // Lets the desktop match the window to the installed entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral(ORVANE_APP_ID));
     SingleInstance instance;
     if (!instance.Claim()) {
         SayAlreadyRunning();
@@ -96,7 +103,7 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     TTS_Init();
 
     Orvane::OrvManager* manager = Orvane::OrvManager::GetInstance();
-    Orvane::OrvManagerConfig config = sessionConfig;
+    Orvane::OrvManagerConfig config = WithSimulatorHost(sessionConfig);
     config.demoMode = config.demoMode || options.demo;
     manager->SetConfig(std::move(config));
     ConsoleReporter reporter(*manager);

@@ -11,6 +11,21 @@
 
 namespace orv {
 
+const char kUsageText[] =
+    "Usage: OrvaneWin [-demo] [-console] [-debug] [-debug_packet] [-debug_file]\n"
+    "Delivers the swings of an Orvane X sensor to the E6 golf simulator.\n"
+    "\n"
+    "  -demo          an in-process demo sensor that swings by itself\n"
+    "  -console       no window: states and one line per shot on standard output\n"
+    "  -debug         log lines on standard output\n"
+    "  -debug_packet  sensor frames and simulator messages on standard output\n"
+    "  -debug_file    with -debug or -debug_packet: the log goes to log.txt\n"
+    "  -h, --help     this text\n"
+    "  --version      the program's version\n"
+    "\n"
+    "Settings: $XDG_CONFIG_HOME/Orvane X/settings.ini (section [E6], key Host:\n"
+    "the computer running the simulator; empty for this computer).\n";
+
 StartupOptions ParseStartupOptions(int argc, const char* const* argv) {
     StartupOptions options;
     for (int i = 0; i < argc; ++i) {
@@ -28,6 +43,10 @@ StartupOptions ParseStartupOptions(int argc, const char* const* argv) {
             options.demo = true;
         } else if (std::strcmp(arg, "-console") == 0) {
             options.console = true;
+        } else if (std::strcmp(arg, "-h") == 0 || std::strcmp(arg, "--help") == 0) {
+            options.help = true;
+        } else if (std::strcmp(arg, "--version") == 0) {
+            options.version = true;
         }
     }
     return options;

@@ -10,7 +10,12 @@ struct StartupOptions {
     bool debugFile = false;    // "-debug_file": the log goes to "log.txt" (with a debug switch)
     bool demo = false;         // "-demo": in-process virtual sensor
     bool console = false;      // "-console": no window, states and shots on standard output
+    bool help = false;         // "-h" or "--help": usage, then exit
+    bool version = false;      // "--version": the version, then exit
 };
+
+// What "--help" prints.
+extern const char kUsageText[];
 
 // Looks at every argument from index 0; switches match exactly, case-sensitive.
 StartupOptions ParseStartupOptions(int argc, const char* const* argv);

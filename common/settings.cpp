@@ -157,6 +157,7 @@ bool OrvSettings::LoadSetting() {
     effectSound = ReadBool(ini, "Sound", "Effect", "1");
     showPreview = ReadBool(ini, "Camera", "ShowPreview", "0");
     recording = ReadBool(ini, "Camera", "Recording", "0");
+    simulatorHost = ReadText(ini, "E6", "Host", "");
 
     LOG_INFO(
         "\n=========== Settings ==============\nSwing level: %d\nSwing sensitivity: %d\nHands: "
@@ -185,6 +186,10 @@ void OrvSettings::SaveSetting() {
         ini.Set("Camera", "ShowPreview", BoolText(showPreview));
         ini.Set("Camera", "Recording", BoolText(recording));
         ini.Set("Golf", "Version", version);
+        // Files of users who never named a host stay as they were.
+        if (!simulatorHost.empty() || !ini.Get("E6", "Host", "").empty()) {
+            ini.Set("E6", "Host", simulatorHost);
+        }
     });
     SaveShowResult();
 }

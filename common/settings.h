@@ -9,6 +9,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace orv {
 class IniDocument;
@@ -56,6 +57,11 @@ public:
     // registry values ("WriteableFilesPath", "DefaultPath"); empty when absent.
     std::string GetSimulatorPath(const char* key) const;
 
+    // Section "E6", key "Host": the computer the simulator runs on (a name or
+    // an IPv4 address); empty for this computer. UI thread only.
+    const std::string& GetSimulatorHost() const { return simulatorHost; }
+    void SetSimulatorHost(std::string host) { simulatorHost = std::move(host); }
+
     // The application data folder; recordings go there too.
     const std::filesystem::path& GetFolder() const { return folder; }
     const std::filesystem::path& GetIniPath() const { return iniPath; }
@@ -78,6 +84,7 @@ private:
     std::filesystem::path folder;
     std::filesystem::path iniPath;
     std::string version = "0.0.0";
+    std::string simulatorHost;
 
     static OrvSettings* g_pOrvSetting;
     // Guards g_pOrvSetting against speakers on worker threads while the

@@ -41,6 +41,15 @@ std::filesystem::path ProgramFolder() {
     return error ? std::filesystem::path() : program.parent_path();
 }
 
+std::filesystem::path DataFolder() {
+    const std::filesystem::path program = ProgramFolder();
+    std::error_code error;
+    if (std::filesystem::is_directory(program / "lang", error)) {
+        return program;
+    }
+    return program.parent_path() / ORVANE_DATA_DIR;
+}
+
 }  // namespace orv
 
 std::string GetStringRes(unsigned id) {
@@ -50,7 +59,7 @@ std::string GetStringRes(unsigned id) {
 }
 
 bool LoadLanguageModule(int languageId) {
-    return LoadLanguageModuleFrom(orv::ProgramFolder() / "lang", languageId);
+    return LoadLanguageModuleFrom(orv::DataFolder() / "lang", languageId);
 }
 
 bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languageId) {

@@ -26,5 +26,9 @@ namespace orv {
 const char* LanguageFolderName(int languageId);
 // The folder of the running executable.
 std::filesystem::path ProgramFolder();
+// The folder holding lang/ (and the translations/ beside it): the program's
+// own folder in a build, <prefix>/share/orvane-x once installed under
+// <prefix>/bin. Always found from the program's location.
+std::filesystem::path DataFolder();
 
 }  // namespace orv

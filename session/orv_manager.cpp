@@ -113,14 +113,25 @@ void OrvManager::StartE6() {
     if (e6.load() != nullptr) {
         return;
     }
-    const std::string address = config.simulatorAddress.empty()
-                                    ? E6TruSimClient::GetLocalIPAddress()
-                                    : config.simulatorAddress;
     ownedE6 = std::make_unique<E6TruSimClient>();
     ownedE6->SetCallback(this);
     ownedE6->SetTiming(config.e6Timing);
     e6 = ownedE6.get();
-    ownedE6->Init(address.empty() ? "127.0.0.1" : address, config.simulatorPort);
+    ownedE6->Init(SimulatorAddress(), config.simulatorPort);
+}
+
+std::string OrvManager::SimulatorAddress() const {
+    const std::string address = config.simulatorAddress.empty()
+                                    ? E6TruSimClient::GetLocalIPAddress()
+                                    : config.simulatorAddress;
+    return address.empty() ? "127.0.0.1" : address;
+}
+
+void OrvManager::ChangeSimulatorHost(const std::string& host) {
+    config.simulatorAddress = host;
+    if (E6TruSimClient* client = e6.load()) {
+        client->ChangeAddress(SimulatorAddress());
+    }
 }
 
 void OrvManager::StopOrvane() {

@@ -68,6 +68,9 @@ public:
     void Start();
     void Stop();
 
+    // The simulator now runs on `host` (empty: this computer); the link
+    // moves there at its next attempt. UI thread, after Start.
+    void ChangeSimulatorHost(const std::string& host);
     void ChangeClub(int club, bool wake);
     void ChangeSettings();
     std::string GetDeviceVersion() const { return state->GetFwVersion(); }
@@ -107,6 +110,8 @@ public:
 private:
     void StartOrvane();
     void StartE6();
+    // The configured simulator address, or this computer's first IPv4 address.
+    std::string SimulatorAddress() const;
     void StopOrvane();
     void StopE6();
 

@@ -26,6 +26,15 @@ constexpr char kLoopbackAddress[] = "127.0.0.1";
 // The address buffer holds 259 characters and its terminator.
 constexpr size_t kMaxAddressLength = 259;
 
+std::string AddressBufferText(const std::string& address) {
+    std::string text = address.empty() ? kLoopbackAddress : address;
+    // Too long for the buffer: nothing is copied, as a bounded copy refuses it whole.
+    if (text.size() > kMaxAddressLength) {
+        text.clear();
+    }
+    return text;
+}
+
 }  // namespace
 
 E6TruSimClient::E6TruSimClient() = default;
@@ -38,11 +47,7 @@ E6TruSimClient::~E6TruSimClient() {
 }
 
 void E6TruSimClient::Init(const std::string& address, int port) {
-    std::string text = address.empty() ? kLoopbackAddress : address;
-    // Too long for the buffer: nothing is copied, as a bounded copy refuses it whole.
-    if (text.size() > kMaxAddressLength) {
-        text.clear();
-    }
+    const std::string text = AddressBufferText(address);
     {
         const std::lock_guard<std::mutex> lock(stateMutex_);
         address_ = text;
@@ -50,6 +55,23 @@ void E6TruSimClient::Init(const std::string& address, int port) {
     }
     LOG_INFO("Set addr:%s, port:%d\n", text.c_str(), port);
     Start();
+}
+
+void E6TruSimClient::ChangeAddress(const std::string& address) {
+    const std::string text = AddressBufferText(address);
+    int port;
+    {
+        const std::lock_guard<std::mutex> lock(stateMutex_);
+        if (address_ == text) {
+            return;
+        }
+        address_ = text;
+        port = port_;
+    }
+    LOG_INFO("Set addr:%s, port:%d\n", text.c_str(), port);
+    if (IsSocketOpen()) {
+        Disconnect();
+    }
 }
 
 void E6TruSimClient::Start() {
@@ -142,13 +164,6 @@ void E6TruSimClient::ConnectionLoop(Control* control) {
 }
 
 bool E6TruSimClient::Connect(std::shared_ptr<TcpSocket>* opened) {
-    std::string address;
-    int port;
-    {
-        const std::lock_guard<std::mutex> lock(stateMutex_);
-        address = address_;
-        port = port_;
-    }
     std::shared_ptr<TcpSocket> socket = TcpSocket::Open();
     if (!socket) {
         LOG_INFO("socket() failed: %d\n", errno);
@@ -165,6 +180,15 @@ bool E6TruSimClient::Connect(std::shared_ptr<TcpSocket>* opened) {
             socket_.reset();
         }
     };
+    // Read after the socket is published: a ChangeAddress from now on finds
+    // the socket and cuts it, so no attempt goes to an address already left.
+    std::string address;
+    int port;
+    {
+        const std::lock_guard<std::mutex> lock(stateMutex_);
+        address = address_;
+        port = port_;
+    }
     const std::optional<in_addr> ip = ResolveIPv4(address);
     if (!ip) {
         LOG_INFO("Unable to resolve server: %s\n", address.c_str());

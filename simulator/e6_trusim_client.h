@@ -46,6 +46,10 @@ public:
 
     // Keeps at most 259 characters of `address` ("127.0.0.1" when empty), then Start.
     void Init(const std::string& address, int port = kDefaultPort);
+    // Later connection attempts go to `address` (kept as Init keeps it); a
+    // link to the old address is dropped, so the next attempt a pause later
+    // reaches the new one.
+    void ChangeAddress(const std::string& address);
     // Starting twice is harmless.
     void Start();
     // Ends the link and the connection thread, and waits until no notification

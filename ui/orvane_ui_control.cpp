@@ -3,6 +3,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -134,7 +135,8 @@ QWidget* OrvaneUIControl::MakeSettings() {
     grid->addWidget(radioGroupEffect, 1, 1);
     grid->addWidget(radioGroupCameraPreview, 2, 0);
     grid->addWidget(radioGroupSwingRecord, 2, 1);
-    grid->addWidget(radioGroupShowShotResult, 3, 0, 1, 2);
+    grid->addWidget(radioGroupShowShotResult, 3, 0);
+    grid->addWidget(MakeHostCard(), 3, 1);
     for (RadioGroup* group :
          {radioGroupSwingLv, radioGroupSwingSens, radioGroupClub, radioGroupEffect,
           radioGroupCameraPreview, radioGroupSwingRecord, radioGroupShowShotResult}) {
@@ -143,6 +145,25 @@ QWidget* OrvaneUIControl::MakeSettings() {
     radioGroupSwingLv->SetSelectedIndex(1);
     radioGroupSwingSens->SetSelectedIndex(1);
     return settings;
+}
+
+QWidget* OrvaneUIControl::MakeHostCard() {
+    auto* card = new QFrame;
+    card->setObjectName("card");
+    auto* layout = new QVBoxLayout(card);
+    layout->setContentsMargins(16, 12, 16, 12);
+    layout->setSpacing(8);
+    auto* caption = new QLabel("SIMULATOR COMPUTER");
+    caption->setObjectName("caption");
+    tbE6Host = new QLineEdit;
+    tbE6Host->setPlaceholderText("This computer");
+    tbE6Host->setToolTip("Host name or IPv4 address of the computer running E6");
+    caption->setBuddy(tbE6Host);
+    layout->addStretch(1);
+    layout->addWidget(caption);
+    layout->addWidget(tbE6Host);
+    layout->addStretch(1);
+    return card;
 }
 
 QWidget* OrvaneUIControl::MakeFooter() {

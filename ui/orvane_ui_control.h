@@ -11,6 +11,7 @@
 #include "ui/ui_export.h"
 
 class QLabel;
+class QLineEdit;
 class QPushButton;
 
 namespace OrvaneWinUI {
@@ -57,6 +58,9 @@ public:
     RadioGroup* radioGroupCameraPreview;   // index 0 = on
     RadioGroup* radioGroupSwingRecord;     // index 0 = on
 
+    // The computer the simulator runs on; empty for this one.
+    QLineEdit* tbE6Host;
+
     StatusLabel* lbE6Conn;
     StatusLabel* lbOrvaneConn;
     StatusLabel* lbFwVer;
@@ -85,6 +89,7 @@ signals:
 private:
     QWidget* MakeHeader();
     QWidget* MakeSettings();
+    QWidget* MakeHostCard();
     QWidget* MakeFooter();
 };
 

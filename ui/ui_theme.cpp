@@ -33,6 +33,9 @@ QPushButton#quiet { background: transparent; border: 1px solid #3a444f; }
 QComboBox { color: #eceff4; background: #15191e; border: 1px solid #3a444f;
     border-radius: 6px; padding: 6px 10px; font-size: 15px; min-width: 170px; }
 QComboBox::drop-down { border: none; background: transparent; width: 26px; }
+QLineEdit { color: #eceff4; background: #15191e; border: 1px solid #3a444f;
+    border-radius: 6px; padding: 6px 10px; font-size: 15px; }
+QLineEdit:focus { border-color: #d3ff46; }
 QComboBox QAbstractItemView { color: #eceff4; background: #20262d;
     selection-background-color: #3a444f; }
 )");

@@ -10,11 +10,13 @@
 
 namespace {
 
-void Usage() {
-    std::fprintf(stderr,
+void Usage(std::FILE* to) {
+    std::fprintf(to,
                  "usage: trusim-emulator [--port N] [--bind ADDR]\n"
                  "  --port N     TCP port to listen on (default 2483, 0 for any free port)\n"
-                 "  --bind ADDR  IPv4 address to listen on (default 0.0.0.0, every interface)\n");
+                 "  --bind ADDR  IPv4 address to listen on (default 0.0.0.0, every interface)\n"
+                 "  -h, --help   this text\n"
+                 "  --version    the version\n");
 }
 
 bool ParseArguments(int argc, char** argv, orv::TruSimEmulatorOptions* options) {
@@ -47,9 +49,19 @@ void PrintLine(const std::string& line) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "-h") == 0 || std::strcmp(argv[i], "--help") == 0) {
+            Usage(stdout);
+            return 0;
+        }
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("trusim-emulator (Orvane X) %s\n", ORVANE_APP_VERSION);
+            return 0;
+        }
+    }
     orv::TruSimEmulatorOptions options;
     if (!ParseArguments(argc, argv, &options)) {
-        Usage();
+        Usage(stderr);
         return 2;
     }
     // Blocked before any thread starts, so only sigwait below sees them.
