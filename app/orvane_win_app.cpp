@@ -2,13 +2,13 @@
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <cstdio>
 #include <cstdlib>
 
 #include "app/console_reporter.h"
 #include "app/main_dlg.h"
 #include "app/quit_signals.h"
 #include "app/single_instance.h"
+#include "app/ui_translation.h"
 #include "app/version_check.h"
 #include "common/debug_log.h"
 #include "common/language_id.h"
@@ -26,38 +26,42 @@ bool HasDisplay() {
     return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
-void SayAlreadyRunning() {
-    std::printf("Orvane X is already running.\n");
-    std::fflush(stdout);
+void Say(const char* text) {
+    ConsoleReporter::Line(QCoreApplication::translate("COrvaneWinApp", text));
 }
+
+constexpr const char* kAlreadyRunning =
+    QT_TRANSLATE_NOOP("COrvaneWinApp", "Orvane X is already running.");
 
 }  // namespace
 
 int COrvaneWinApp::Run(int argc, char** argv) {
     const StartupOptions options = ParseStartupOptions(argc, argv);
     ApplyStartupOptions(options);
+    // One choice of language for every text of this run.
+    const int language = GetUserDefaultLanguageId();
     if (!options.console && !HasDisplay()) {
         LOG_INFO("No display: running in console mode\n");
-        std::printf("No display found: running in console mode.\n");
-        return RunConsole(argc, argv, options);
+        return RunConsole(argc, argv, options, language, true);
     }
-    return options.console ? RunConsole(argc, argv, options) : RunWindow(argc, argv, options);
+    return options.console ? RunConsole(argc, argv, options, language, false)
+                           : RunWindow(argc, argv, options, language);
 }
 
-void COrvaneWinApp::LoadLanguage() {
-    const int language = GetUserDefaultLanguageId();
+void COrvaneWinApp::LoadLanguage(int language) {
     LoadLanguageModule(language);
     LOG_INFO("Main Language: %d\n", language);
 }
 
-int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& options) {
+int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& options, int language) {
     QApplication app(argc, argv);
+    const UiTranslation translation(language);
     SingleInstance instance;
     if (!instance.Claim()) {
-        SayAlreadyRunning();
+        Say(kAlreadyRunning);
         return 0;
     }
-    LoadLanguage();
+    LoadLanguage(language);
 
     OrvSettings* settings = OrvSettings::GetInstance();
     if (settings->GetVersion() != GetVersion()) {
@@ -84,14 +88,19 @@ int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& option
     return app.exec();
 }
 
-int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& options) {
+int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& options, int language,
+                              bool noDisplay) {
     QCoreApplication app(argc, argv);
+    const UiTranslation translation(language);
+    if (noDisplay) {
+        Say(QT_TRANSLATE_NOOP("COrvaneWinApp", "No display found: running in console mode."));
+    }
     SingleInstance instance;
     if (!instance.Claim()) {
-        SayAlreadyRunning();
+        Say(kAlreadyRunning);
         return 0;
     }
-    LoadLanguage();
+    LoadLanguage(language);
     OrvSettings::GetInstance();
     TTS_Init();
 
@@ -101,17 +110,21 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     manager->SetConfig(std::move(config));
     ConsoleReporter reporter(*manager);
     manager->SetCallback(&reporter);
-    std::printf("Orvane X %s running%s. Ctrl-C quits.\n", GetVersion().c_str(),
-                options.demo ? " with the demo sensor" : "");
-    std::fflush(stdout);
+    const QString version = QString::fromStdString(GetVersion());
+    ConsoleReporter::Line(
+        options.demo
+            ? QCoreApplication::translate("COrvaneWinApp",
+                                          "Orvane X %1 running with the demo sensor. Ctrl-C quits.")
+                  .arg(version)
+            : QCoreApplication::translate("COrvaneWinApp", "Orvane X %1 running. Ctrl-C quits.")
+                  .arg(version));
     manager->Start();
 
     QuitSignals quit;
     QObject::connect(&quit, &QuitSignals::QuitRequested, &app, &QCoreApplication::quit);
     app.exec();
 
-    std::printf("Shutting down.\n");
-    std::fflush(stdout);
+    Say(QT_TRANSLATE_NOOP("COrvaneWinApp", "Shutting down."));
     TTS_DeInit();
     Orvane::OrvManager::ReleaseInstance();
     OrvSettings::ReleaseInstance();

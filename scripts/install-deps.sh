@@ -21,6 +21,8 @@ PACKAGES=(
   gstreamer1.0-plugins-base-apps libpulse-dev
   # application shell
   qt6-base-dev libcurl4-openssl-dev
+  # translations of the window (lupdate/lrelease, Qt's own catalogues) and CJK glyphs
+  qt6-tools-dev qt6-l10n-tools qt6-translations-l10n fonts-noto-cjk
   # headless windows and test certificates
   xvfb xauth openssl
 )
