@@ -313,6 +313,20 @@
     </message>
 </context>
 <context>
+    <name>PlayerWnd</name>
+    <message>
+        <source>Swing replay</source>
+        <translation>스윙 다시 보기</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWnd</name>
+    <message>
+        <source>Camera preview</source>
+        <translation>카메라 미리보기</translation>
+    </message>
+</context>
+<context>
     <name>ShotLine</name>
     <message>
         <source>%1: ball speed %2, launch %3, direction %4, back spin %5, side spin %6, head speed %7</source>
