@@ -47,7 +47,6 @@ protected:
     void SetUp() override {
         GuiTestApp();
         SessionTest::SetUp();
-        std::ofstream(folder.path() / "settings.ini") << "[Camera]\nShowPreview=0\n";
         OrvSettings::GetInstanceIn(folder.path());
     }
     void TearDown() override {
@@ -95,9 +94,7 @@ TEST_P(UiLanguageTest, WholeWindowInTheLanguageAndNothingCut) {
         if (!widget->isVisible()) {
             continue;
         }
-        const auto where = [widget](const QString& text) {
-            return widget->metaObject()->className() + (" \"" + text.toStdString() + '"');
-        };
+        const auto where = [](const QString& text) { return text.toStdString(); };
         if (auto* label = qobject_cast<QLabel*>(widget)) {
             texts << label->text();
             const QSize needed = QFontMetrics(label->font()).size(0, label->text());
