@@ -110,14 +110,12 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     manager->SetConfig(std::move(config));
     ConsoleReporter reporter(*manager);
     manager->SetCallback(&reporter);
-    const QString version = QString::fromStdString(GetVersion());
-    ConsoleReporter::Line(
-        options.demo
-            ? QCoreApplication::translate("COrvaneWinApp",
-                                          "Orvane X %1 running with the demo sensor. Ctrl-C quits.")
-                  .arg(version)
-            : QCoreApplication::translate("COrvaneWinApp", "Orvane X %1 running. Ctrl-C quits.")
-                  .arg(version));
+    const char* running =
+        options.demo ? QT_TRANSLATE_NOOP("COrvaneWinApp",
+                                         "Orvane X %1 running with the demo sensor. Ctrl-C quits.")
+                     : QT_TRANSLATE_NOOP("COrvaneWinApp", "Orvane X %1 running. Ctrl-C quits.");
+    ConsoleReporter::Line(QCoreApplication::translate("COrvaneWinApp", running)
+                              .arg(QString::fromStdString(GetVersion())));
     manager->Start();
 
     QuitSignals quit;
