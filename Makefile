@@ -5,7 +5,7 @@
 JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 20
 
-.PHONY: run test deps build package test-unit fuzz asan tsan sanitizers bench clean
+.PHONY: run test deps build package test-unit fuzz asan tsan sanitizers bench translations clean
 
 run: build
 	./scripts/run.sh
@@ -45,6 +45,11 @@ sanitizers: asan tsan
 # Performance figures into docs/PERFORMANCE.md (not part of `make test`).
 bench: build
 	./scripts/bench.sh
+
+# Brings lang/translations/*.ts up to date with the texts in the code.
+translations: deps
+	@cmake --preset default >/dev/null
+	cmake --build --preset default --target translations
 
 clean:
 	rm -rf build

@@ -1,38 +1,35 @@
 #include "app/console_reporter.h"
 
+#include <QLocale>
 #include <cstdio>
 
 #include "app/shot_text.h"
 
 namespace orv {
 
-namespace {
-
-// Whole lines at once, so lines from the session's threads never mix.
-void Line(const std::string& text) {
-    std::printf("%s\n", text.c_str());
+void ConsoleReporter::Line(const QString& text) {
+    std::printf("%s\n", text.toUtf8().constData());
     std::fflush(stdout);
 }
 
-}  // namespace
-
 void ConsoleReporter::OnOrvE6ConnectionChanged(bool connected) {
-    Line(connected ? "Simulator: connected" : "Simulator: disconnected");
+    Line(connected ? tr("Simulator: connected") : tr("Simulator: disconnected"));
 }
 
 void ConsoleReporter::OnOrvOrvaneConnectionChanged(int state) {
     switch (state) {
         case 0:
-            Line("Sensor: disconnected");
+            Line(tr("Sensor: disconnected"));
             break;
         case 1:
-            Line("Sensor: searching");
+            Line(tr("Sensor: searching"));
             break;
         case 2:
-            Line("Sensor: connecting");
+            Line(tr("Sensor: connecting"));
             break;
         case 3:
-            Line("Sensor: connected, firmware " + manager_.GetDeviceVersion());
+            Line(tr("Sensor: connected, firmware %1")
+                     .arg(QString::fromStdString(manager_.GetDeviceVersion())));
             break;
         default:
             break;
@@ -40,12 +37,13 @@ void ConsoleReporter::OnOrvOrvaneConnectionChanged(int state) {
 }
 
 void ConsoleReporter::OnOrvOrvaneBatteryState(int percent) {
-    Line("Sensor battery: " + std::to_string(percent) + "%");
+    const QLocale locale;
+    Line(tr("Sensor battery: %1").arg(locale.toString(percent) + locale.percent()));
 }
 
 void ConsoleReporter::OnOrvShot() {
     const int number = ++shots_;
-    Line("Shot " + std::to_string(number) + ": " + ShotLine(manager_.GetLastShot()));
+    Line(tr("Shot %1: %2").arg(QLocale().toString(number), ShotLine(manager_.GetLastShot())));
 }
 
 }  // namespace orv

@@ -1,7 +1,8 @@
 // Console mode's view of the session: one line per state change and per shot
-// on standard output.
+// on standard output, in the language chosen at start-up.
 #pragma once
 
+#include <QCoreApplication>
 #include <atomic>
 
 #include "session/orv_manager.h"
@@ -9,6 +10,7 @@
 namespace orv {
 
 class ConsoleReporter : public Orvane::OrvManagerCallback {
+    Q_DECLARE_TR_FUNCTIONS(ConsoleReporter)
 public:
     explicit ConsoleReporter(const Orvane::OrvManager& manager) : manager_(manager) {}
 
@@ -17,6 +19,9 @@ public:
     void OnOrvOrvaneBatteryState(int percent) override;
     void OnOrvShot() override;
     void OnOrvReady() override {}
+
+    // Whole lines at once, so lines from the session's threads never mix.
+    static void Line(const QString& text);
 
 private:
     const Orvane::OrvManager& manager_;

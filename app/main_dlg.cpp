@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMessageBox>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -20,7 +21,6 @@
 #include "common/settings.h"
 #include "common/speech.h"
 #include "common/string_res.h"
-#include "protocol/code_tables.h"
 #include "ui/orvane_ui_control.h"
 #include "ui/radio_group.h"
 #include "ui/shot_panel.h"
@@ -82,12 +82,7 @@ bool CMainDlg::OnInitDialog() {
     setGeometry(area.x() + (area.width() - kWidth) / 2, area.y() + (area.height() - kHeight) / 2,
                 kWidth, kHeight);
 
-    control_->lbE6Caption->setText(QStringLiteral("E6 SIMULATOR"));
-    QList<OrvaneWinUI::ClubChoice> clubs;
-    for (const auto& [code, tag] : gOrvClubCodeDef) {
-        clubs.append({code, QString::fromUtf8(tag.description)});
-    }
-    control_->SetClubs(clubs);
+    control_->SetClubs(ClubChoices());
     OnE6StateChanged(0);
     OnOrvaneStateChanged(0);
 
@@ -263,7 +258,8 @@ void CMainDlg::OnOrvaneStateChanged(intptr_t state) {
 }
 
 void CMainDlg::OnOrvaneBatteryState(intptr_t percent) {
-    control_->lbBattery->SetText(QStringLiteral("%1%").arg(static_cast<int>(percent)));
+    const QLocale locale;
+    control_->lbBattery->SetText(locale.toString(static_cast<int>(percent)) + locale.percent());
 }
 
 void CMainDlg::OnShot() {
@@ -272,7 +268,7 @@ void CMainDlg::OnShot() {
     }
     const Orvane::LastShotInfo shot = Orvane::OrvManager::GetInstance()->GetLastShot();
     OrvaneWinUI::LastShot figures;
-    figures.club = QString::fromStdString(ClubName(shot.club));
+    figures.club = ClubName(shot.club);
     figures.ballSpeed = shot.ball.BallSpeed;
     figures.launchAngle = shot.ball.LaunchAngle;
     figures.direction = shot.ball.LaunchDirection;

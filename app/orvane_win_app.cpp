@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <cstdio>
 #include <cstdlib>
 
 #include "app/console_reporter.h"
@@ -10,6 +9,7 @@
 #include "app/quit_signals.h"
 #include "app/simulator_host.h"
 #include "app/single_instance.h"
+#include "app/ui_translation.h"
 #include "app/version_check.h"
 #include "common/debug_log.h"
 #include "common/language_id.h"
@@ -27,10 +27,12 @@ bool HasDisplay() {
     return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
-void SayAlreadyRunning() {
-    std::printf("Orvane X is already running.\n");
-    std::fflush(stdout);
+void Say(const char* text) {
+    ConsoleReporter::Line(QCoreApplication::translate("COrvaneWinApp", text));
 }
+
+constexpr const char* kAlreadyRunning =
+    QT_TRANSLATE_NOOP("COrvaneWinApp", "Orvane X is already running.");
 
 }  // namespace
 
@@ -41,30 +43,32 @@ int COrvaneWinApp::Run(int argc, char** argv) {
         return 0;
     }
     ApplyStartupOptions(options);
+    // One choice of language for every text of this run.
+    const int language = GetUserDefaultLanguageId();
     if (!options.console && !HasDisplay()) {
         LOG_INFO("No display: running in console mode\n");
-        std::printf("No display found: running in console mode.\n");
-        return RunConsole(argc, argv, options);
+        return RunConsole(argc, argv, options, language, true);
     }
-    return options.console ? RunConsole(argc, argv, options) : RunWindow(argc, argv, options);
+    return options.console ? RunConsole(argc, argv, options, language, false)
+                           : RunWindow(argc, argv, options, language);
 }
 
-void COrvaneWinApp::LoadLanguage() {
-    const int language = GetUserDefaultLanguageId();
+void COrvaneWinApp::LoadLanguage(int language) {
     LoadLanguageModule(language);
     LOG_INFO("Main Language: %d\n", language);
 }
 
-int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& options) {
+int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& options, int language) {
     QApplication app(argc, argv);
     // Lets the desktop match the window to the installed entry and its icon.
     QGuiApplication::setDesktopFileName(QStringLiteral(ORVANE_APP_ID));
+    const UiTranslation translation(language);
     SingleInstance instance;
     if (!instance.Claim()) {
-        SayAlreadyRunning();
+        Say(kAlreadyRunning);
         return 0;
     }
-    LoadLanguage();
+    LoadLanguage(language);
 
     OrvSettings* settings = OrvSettings::GetInstance();
     if (settings->GetVersion() != GetVersion()) {
@@ -91,14 +95,19 @@ int COrvaneWinApp::RunWindow(int argc, char** argv, const StartupOptions& option
     return app.exec();
 }
 
-int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& options) {
+int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& options, int language,
+                              bool noDisplay) {
     QCoreApplication app(argc, argv);
+    const UiTranslation translation(language);
+    if (noDisplay) {
+        Say(QT_TRANSLATE_NOOP("COrvaneWinApp", "No display found: running in console mode."));
+    }
     SingleInstance instance;
     if (!instance.Claim()) {
-        SayAlreadyRunning();
+        Say(kAlreadyRunning);
         return 0;
     }
-    LoadLanguage();
+    LoadLanguage(language);
     OrvSettings::GetInstance();
     TTS_Init();
 
@@ -108,17 +117,19 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     manager->SetConfig(std::move(config));
     ConsoleReporter reporter(*manager);
     manager->SetCallback(&reporter);
-    std::printf("Orvane X %s running%s. Ctrl-C quits.\n", GetVersion().c_str(),
-                options.demo ? " with the demo sensor" : "");
-    std::fflush(stdout);
+    const char* running =
+        options.demo ? QT_TRANSLATE_NOOP("COrvaneWinApp",
+                                         "Orvane X %1 running with the demo sensor. Ctrl-C quits.")
+                     : QT_TRANSLATE_NOOP("COrvaneWinApp", "Orvane X %1 running. Ctrl-C quits.");
+    ConsoleReporter::Line(QCoreApplication::translate("COrvaneWinApp", running)
+                              .arg(QString::fromStdString(GetVersion())));
     manager->Start();
 
     QuitSignals quit;
     QObject::connect(&quit, &QuitSignals::QuitRequested, &app, &QCoreApplication::quit);
     app.exec();
 
-    std::printf("Shutting down.\n");
-    std::fflush(stdout);
+    Say(QT_TRANSLATE_NOOP("COrvaneWinApp", "Shutting down."));
     TTS_DeInit();
     Orvane::OrvManager::ReleaseInstance();
     OrvSettings::ReleaseInstance();

@@ -17,9 +17,10 @@ public:
     Orvane::OrvManagerConfig sessionConfig;
 
 private:
-    int RunWindow(int argc, char** argv, const StartupOptions& options);
-    int RunConsole(int argc, char** argv, const StartupOptions& options);
-    static void LoadLanguage();
+    int RunWindow(int argc, char** argv, const StartupOptions& options, int language);
+    int RunConsole(int argc, char** argv, const StartupOptions& options, int language,
+                   bool noDisplay);
+    static void LoadLanguage(int language);
 };
 
 }  // namespace orv

@@ -1,24 +1,68 @@
 #include "app/shot_text.h"
 
-#include "common/c_format.h"
-#include "protocol/code_tables.h"
+#include <QCoreApplication>
+
+#include "ui/shot_panel.h"
 
 namespace orv {
 
-std::string ClubName(int club) {
-    const __code_tag* tag =
-        club > 0 && club < 256 ? OrvGetClubCodeDef(static_cast<uint8_t>(club)) : nullptr;
-    return tag != nullptr ? tag->description : "Club " + std::to_string(club);
+namespace {
+
+constexpr const char* kContext = "ClubName";
+
+// By the sensor's club code, in the order of a golf bag.
+constexpr struct {
+    int code;
+    const char* name;
+} kClubNames[] = {
+    {0x01, QT_TRANSLATE_NOOP("ClubName", "Driver")},
+    {0x02, QT_TRANSLATE_NOOP("ClubName", "3 Wood")},
+    {0x03, QT_TRANSLATE_NOOP("ClubName", "5 Wood")},
+    {0x04, QT_TRANSLATE_NOOP("ClubName", "7 Wood")},
+    {0x11, QT_TRANSLATE_NOOP("ClubName", "4 Hybrid")},
+    {0x10, QT_TRANSLATE_NOOP("ClubName", "3 Iron")},
+    {0x05, QT_TRANSLATE_NOOP("ClubName", "4 Iron")},
+    {0x06, QT_TRANSLATE_NOOP("ClubName", "5 Iron")},
+    {0x07, QT_TRANSLATE_NOOP("ClubName", "6 Iron")},
+    {0x08, QT_TRANSLATE_NOOP("ClubName", "7 Iron")},
+    {0x09, QT_TRANSLATE_NOOP("ClubName", "8 Iron")},
+    {0x0A, QT_TRANSLATE_NOOP("ClubName", "9 Iron")},
+    {0x0B, QT_TRANSLATE_NOOP("ClubName", "Pitching Wedge")},
+    {0x0C, QT_TRANSLATE_NOOP("ClubName", "Gap Wedge")},
+    {0x0D, QT_TRANSLATE_NOOP("ClubName", "Sand Wedge")},
+    {0x0E, QT_TRANSLATE_NOOP("ClubName", "Lob Wedge")},
+    {0x0F, QT_TRANSLATE_NOOP("ClubName", "Putter")},
+};
+
+}  // namespace
+
+QString ClubName(int club) {
+    for (const auto& entry : kClubNames) {
+        if (entry.code == club) {
+            return QCoreApplication::translate(kContext, entry.name);
+        }
+    }
+    return QCoreApplication::translate("ClubName", "Club %1").arg(club);
 }
 
-std::string ShotLine(const Orvane::LastShotInfo& shot) {
-    // Console lines are read by scripts: numbers the C way.
-    return CFormat(
-        "%s: ball speed %.1f, launch %.1f, direction %.1f, back spin %.0f, side spin "
-        "%.0f, head speed %.1f",
-        ClubName(shot.club).c_str(), shot.ball.BallSpeed, shot.ball.LaunchAngle,
-        shot.ball.LaunchDirection, shot.ball.BackSpin, shot.ball.SideSpin,
-        shot.clubData.ClubHeadSpeed);
+QList<OrvaneWinUI::ClubChoice> ClubChoices() {
+    QList<OrvaneWinUI::ClubChoice> clubs;
+    for (const auto& entry : kClubNames) {
+        clubs.append({entry.code, QCoreApplication::translate(kContext, entry.name)});
+    }
+    return clubs;
+}
+
+QString ShotLine(const Orvane::LastShotInfo& shot) {
+    return QCoreApplication::translate("ShotLine",
+                                       "%1: ball speed %2, launch %3, direction %4, back spin %5, "
+                                       "side spin %6, head speed %7")
+        .arg(ClubName(shot.club), OrvaneWinUI::ShotFigure(shot.ball.BallSpeed, 1),
+             OrvaneWinUI::ShotFigure(shot.ball.LaunchAngle, 1),
+             OrvaneWinUI::ShotFigure(shot.ball.LaunchDirection, 1),
+             OrvaneWinUI::ShotFigure(shot.ball.BackSpin, 0),
+             OrvaneWinUI::ShotFigure(shot.ball.SideSpin, 0),
+             OrvaneWinUI::ShotFigure(shot.clubData.ClubHeadSpeed, 1));
 }
 
 }  // namespace orv

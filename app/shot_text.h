@@ -1,16 +1,22 @@
+// A shot and its club as the golfer reads them, in the language chosen at
+// start-up. The simulator gets the club tables' own names, never these.
 #pragma once
 
-#include <string>
+#include <QString>
 
 #include "session/orv_manager.h"
+#include "ui/club_picker.h"
 
 namespace orv {
 
-// "Driver: ball speed 139.1, launch 11.9, direction -2.0, back spin 2600, side spin -350, head
-// speed 94.0"
-std::string ShotLine(const Orvane::LastShotInfo& shot);
+// "Driver: ball speed 139.1, launch 11.9, direction -2.0, back spin 2,600, side spin -350, head
+// speed 94.0" (numbers in the user's locale).
+QString ShotLine(const Orvane::LastShotInfo& shot);
 
 // Display name of a club code ("3 Iron"), or "Club <n>" for an unknown code.
-std::string ClubName(int club);
+QString ClubName(int club);
+
+// Every club the sensor knows, for the picker.
+QList<OrvaneWinUI::ClubChoice> ClubChoices();
 
 }  // namespace orv

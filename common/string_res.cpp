@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include <mutex>
+#include <string_view>
 #include <utility>
 
 #include "common/debug_log.h"
@@ -62,9 +63,11 @@ bool LoadLanguageModule(int languageId) {
     return LoadLanguageModuleFrom(orv::DataFolder() / "lang", languageId);
 }
 
-bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languageId) {
-    const std::filesystem::path path =
-        langFolder / orv::LanguageFolderName(languageId) / "strings.tsv";
+namespace {
+
+orv::StringTable ReadTable(const std::filesystem::path& langFolder, const char* language,
+                           bool* ok) {
+    const std::filesystem::path path = langFolder / language / "strings.tsv";
     std::string text;
     const orv::FileRead read = orv::ReadSmallFile(path, kMaxTableBytes, text);
     if (read != orv::FileRead::Ok) {
@@ -75,9 +78,30 @@ bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languag
     if (rejected != 0) {
         LOG_ERROR("%s: %zu lines are not entries\n", path.c_str(), rejected);
     }
+    *ok = read == orv::FileRead::Ok;
+    return table;
+}
+
+}  // namespace
+
+bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languageId) {
+    const char* language = orv::LanguageFolderName(languageId);
+    bool ok = false;
+    orv::StringTable table = ReadTable(langFolder, language, &ok);
+    // A text this language lacks is said in English rather than not at all.
+    if (std::string_view(language) != "en") {
+        bool englishOk = false;
+        orv::StringTable english = ReadTable(langFolder, "en", &englishOk);
+        for (auto& [id, text] : table) {
+            if (!text.empty()) {
+                english[id] = std::move(text);
+            }
+        }
+        table = std::move(english);
+    }
     std::lock_guard lock(gStringsMutex);
     gStrings = std::move(table);
-    return read == orv::FileRead::Ok;
+    return ok;
 }
 
 #pragma GCC diagnostic push

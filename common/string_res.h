@@ -14,8 +14,8 @@ std::string GetStringRes(unsigned id);
 std::string FormatDistanceText(const std::string& format, const std::string& unit, int number);
 
 // Loads the table for `languageId` (1041 ja, 1042 ko, 2052 zh, any other en)
-// from the lang/ folder beside the program. False, with every text empty,
-// when it cannot be loaded.
+// from the lang/ folder beside the program; a text the table lacks or leaves
+// empty comes from the English one. False when the table cannot be loaded.
 bool LoadLanguageModule(int languageId);
 // The same from an explicit lang/ folder.
 bool LoadLanguageModuleFrom(const std::filesystem::path& langFolder, int languageId);

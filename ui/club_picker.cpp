@@ -26,7 +26,7 @@ protected:
 }  // namespace
 
 ClubPicker::ClubPicker(QWidget* parent)
-    : QWidget(parent), caption_(new QLabel("CLUB")), box_(new ChevronComboBox) {
+    : QWidget(parent), caption_(new QLabel(tr("CLUB"))), box_(new ChevronComboBox) {
     caption_->setObjectName("caption");
     box_->setCursor(Qt::PointingHandCursor);
     box_->setEnabled(false);

@@ -91,9 +91,9 @@ QWidget* OrvaneUIControl::MakeHeader() {
 
     auto* brand = new QVBoxLayout;
     brand->setSpacing(0);
-    auto* name = new QLabel("ORVANE X");
+    auto* name = new QLabel(QStringLiteral("ORVANE X"));
     name->setObjectName("brand");
-    auto* sub = new QLabel("Swing sensor for E6");
+    auto* sub = new QLabel(tr("Swing sensor for E6"));
     sub->setObjectName("brandSub");
     brand->addStretch(1);
     brand->addWidget(name);
@@ -104,12 +104,14 @@ QWidget* OrvaneUIControl::MakeHeader() {
 
     // Connection states get the room of their longest word; longer texts
     // widen the tile into the space beside the name.
-    layout->addWidget(
-        MakeTile(&lbE6Caption, &lbE6Conn, "E6 SIMULATOR", "Disconnected", kDisconnectedColor, 212));
-    layout->addWidget(MakeTile(&lbOrvaneCaption, &lbOrvaneConn, "SENSOR", "Disconnected",
+    layout->addWidget(MakeTile(&lbE6Caption, &lbE6Conn, tr("E6 SIMULATOR"), tr("Disconnected"),
                                kDisconnectedColor, 212));
-    layout->addWidget(MakeTile(&lbBatteryCaption, &lbBattery, "BATTERY", "--", kValueColor, 128));
-    layout->addWidget(MakeTile(&lbFwCaption, &lbFwVer, "FIRMWARE", "--", kValueColor, 128));
+    layout->addWidget(MakeTile(&lbOrvaneCaption, &lbOrvaneConn, tr("SENSOR"), tr("Disconnected"),
+                               kDisconnectedColor, 212));
+    layout->addWidget(MakeTile(&lbBatteryCaption, &lbBattery, tr("BATTERY"), QStringLiteral("--"),
+                               kValueColor, 128));
+    layout->addWidget(
+        MakeTile(&lbFwCaption, &lbFwVer, tr("FIRMWARE"), QStringLiteral("--"), kValueColor, 128));
     return header;
 }
 
@@ -118,13 +120,15 @@ QWidget* OrvaneUIControl::MakeSettings() {
     auto* grid = new QGridLayout(settings);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(12);
-    radioGroupSwingLv = new RadioGroup("Swing level", {"Easy", "Normal", "Pro"});
-    radioGroupSwingSens = new RadioGroup("Swing sensitivity", {"Low", "Normal", "High"});
-    radioGroupClub = new RadioGroup("Club type", {"Swing stick", "Real club"});
-    radioGroupEffect = new RadioGroup("Sound effects", {"On", "Off"});
-    radioGroupCameraPreview = new RadioGroup("Camera preview", {"On", "Off"});
-    radioGroupSwingRecord = new RadioGroup("Swing recording", {"On", "Off"});
-    radioGroupShowShotResult = new RadioGroup("Show shot result", {"Yes", "No"});
+    radioGroupSwingLv =
+        new RadioGroup(tr("Swing level"), {tr("Easy"), tr("Normal", "swing level"), tr("Pro")});
+    radioGroupSwingSens = new RadioGroup(tr("Swing sensitivity"),
+                                         {tr("Low"), tr("Normal", "sensitivity"), tr("High")});
+    radioGroupClub = new RadioGroup(tr("Club type"), {tr("Swing stick"), tr("Real club")});
+    radioGroupEffect = new RadioGroup(tr("Sound effects"), {tr("On"), tr("Off")});
+    radioGroupCameraPreview = new RadioGroup(tr("Camera preview"), {tr("On"), tr("Off")});
+    radioGroupSwingRecord = new RadioGroup(tr("Swing recording"), {tr("On"), tr("Off")});
+    radioGroupShowShotResult = new RadioGroup(tr("Show shot result"), {tr("Yes"), tr("No")});
     ckShowShotYes = new CheckImage;
     ckShowShotNo = new CheckImage;
     radioGroupShowShotResult->AttachToChoice(0, ckShowShotYes);
@@ -171,11 +175,11 @@ QWidget* OrvaneUIControl::MakeFooter() {
     auto* layout = new QHBoxLayout(footer);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(12);
-    btnManual = MakeButton("User guide", "quiet");
-    btnSupport = MakeButton("Support", "quiet");
-    btnSave = MakeButton("Save", "");
-    btnStart = MakeButton("Start E6", "primary");
-    btnExit = MakeButton("Exit", "");
+    btnManual = MakeButton(tr("User guide"), "quiet");
+    btnSupport = MakeButton(tr("Support"), "quiet");
+    btnSave = MakeButton(tr("Save"), "");
+    btnStart = MakeButton(tr("Start E6"), "primary");
+    btnExit = MakeButton(tr("Exit"), "");
     layout->addWidget(btnManual);
     layout->addWidget(btnSupport);
     layout->addStretch(1);

@@ -3,9 +3,11 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <cstring>
 
 namespace OrvaneWinUI {
 
@@ -13,32 +15,32 @@ namespace {
 
 struct CellSpec {
     const char* caption;
-    const char* unit;
+    const char* unit;  // a symbol, the same in every language
 };
+
+constexpr const char* kDegrees = "\u00b0";
 
 constexpr CellSpec kCells[6] = {
-    {"BALL SPEED", "mph"}, {"LAUNCH", "deg"},    {"DIRECTION", "deg"},
-    {"BACK SPIN", "rpm"},  {"SIDE SPIN", "rpm"}, {"HEAD SPEED", "mph"},
+    {QT_TRANSLATE_NOOP("OrvaneWinUI::ShotPanel", "BALL SPEED"), "mph"},
+    {QT_TRANSLATE_NOOP("OrvaneWinUI::ShotPanel", "LAUNCH"), kDegrees},
+    {QT_TRANSLATE_NOOP("OrvaneWinUI::ShotPanel", "DIRECTION"), kDegrees},
+    {QT_TRANSLATE_NOOP("OrvaneWinUI::ShotPanel", "BACK SPIN"), "rpm"},
+    {QT_TRANSLATE_NOOP("OrvaneWinUI::ShotPanel", "SIDE SPIN"), "rpm"},
+    {QT_TRANSLATE_NOOP("OrvaneWinUI::ShotPanel", "HEAD SPEED"), "mph"},
 };
-
-QString Fixed(double value, int decimals) {
-    return QString::number(value, 'f', decimals);
-}
-
-// Left/right values read as "L 2.1" or "R 2.1" rather than a sign.
-QString Sided(double value, int decimals) {
-    const QString magnitude = Fixed(std::fabs(value), decimals);
-    if (magnitude.toDouble() == 0) {
-        return magnitude;
-    }
-    return (value < 0 ? "L " : "R ") + magnitude;
-}
 
 }  // namespace
 
+QString ShotFigure(double value, int decimals) {
+    QLocale locale;
+    // Spin reads as one figure, as on a launch monitor: 2846, not 2,846.
+    locale.setNumberOptions(locale.numberOptions() | QLocale::OmitGroupSeparator);
+    return locale.toString(value, 'f', decimals);
+}
+
 ShotPanel::ShotPanel(QWidget* parent)
     : QFrame(parent),
-      title_(new QLabel("LAST SHOT")),
+      title_(new QLabel(tr("LAST SHOT"))),
       club_(new QLabel),
       layout_(new QVBoxLayout(this)) {
     setObjectName("shotPanel");
@@ -60,15 +62,18 @@ ShotPanel::ShotPanel(QWidget* parent)
         auto* cell = new QVBoxLayout(frame);
         cell->setContentsMargins(14, 10, 14, 10);
         cell->setSpacing(2);
-        cells_[i] = {new QLabel(kCells[i].caption), new QLabel, new QLabel(kCells[i].unit)};
+        cells_[i] = {new QLabel(tr(kCells[i].caption)), new QLabel,
+                     new QLabel(QString::fromUtf8(kCells[i].unit))};
         cells_[i].caption->setObjectName("caption");
         cells_[i].value->setObjectName("shotValue");
-        cells_[i].unit->setObjectName("shotUnit");
+        // A degree sign is written as part of the figure; a unit word small beside it.
+        const bool degrees = std::strcmp(kCells[i].unit, kDegrees) == 0;
+        cells_[i].unit->setObjectName(degrees ? "shotValue" : "shotUnit");
         cell->addWidget(cells_[i].caption);
         auto* figure = new QHBoxLayout;
-        figure->setSpacing(6);
+        figure->setSpacing(degrees ? 0 : 6);
         figure->addWidget(cells_[i].value);
-        figure->addWidget(cells_[i].unit, 0, Qt::AlignBottom);
+        figure->addWidget(cells_[i].unit, 0, degrees ? Qt::Alignment() : Qt::AlignBottom);
         figure->addStretch(1);
         cell->addLayout(figure);
         grid->addWidget(frame, i / 2, i % 2);
@@ -77,13 +82,22 @@ ShotPanel::ShotPanel(QWidget* parent)
     Clear();
 }
 
+// Left/right values read as "L 2.1" or "R 2.1" rather than a sign.
+QString ShotPanel::Sided(double value, int decimals) {
+    const QString magnitude = ShotFigure(std::fabs(value), decimals);
+    if (std::round(std::fabs(value) * std::pow(10.0, decimals)) == 0) {
+        return magnitude;
+    }
+    return (value < 0 ? tr("L %1") : tr("R %1")).arg(magnitude);
+}
+
 void ShotPanel::SetLastShot(const LastShot& shot) {
-    At(ShotValue::kBallSpeed).value->setText(Fixed(shot.ballSpeed, 1));
-    At(ShotValue::kLaunchAngle).value->setText(Fixed(shot.launchAngle, 1));
+    At(ShotValue::kBallSpeed).value->setText(ShotFigure(shot.ballSpeed, 1));
+    At(ShotValue::kLaunchAngle).value->setText(ShotFigure(shot.launchAngle, 1));
     At(ShotValue::kDirection).value->setText(Sided(shot.direction, 1));
-    At(ShotValue::kBackSpin).value->setText(Fixed(shot.backSpin, 0));
+    At(ShotValue::kBackSpin).value->setText(ShotFigure(shot.backSpin, 0));
     At(ShotValue::kSideSpin).value->setText(Sided(shot.sideSpin, 0));
-    At(ShotValue::kHeadSpeed).value->setText(Fixed(shot.headSpeed, 1));
+    At(ShotValue::kHeadSpeed).value->setText(ShotFigure(shot.headSpeed, 1));
     club_->setText(shot.club);
     hasShot_ = true;
 }

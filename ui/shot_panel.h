@@ -21,6 +21,9 @@ struct LastShot {
     QString club;            // club name
 };
 
+// A figure of a shot for the golfer, in the user's locale ("132.9", "132,9").
+ORVANE_UI_EXPORT QString ShotFigure(double value, int decimals);
+
 enum class ShotValue { kBallSpeed, kLaunchAngle, kDirection, kBackSpin, kSideSpin, kHeadSpeed };
 
 class ORVANE_UI_EXPORT ShotPanel : public QFrame {
@@ -46,6 +49,7 @@ private:
         QLabel* value;
         QLabel* unit;
     };
+    static QString Sided(double value, int decimals);
     Cell& At(ShotValue value) { return cells_[static_cast<int>(value)]; }
     const Cell& At(ShotValue value) const { return cells_[static_cast<int>(value)]; }
 

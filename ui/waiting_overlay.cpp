@@ -8,7 +8,8 @@
 
 namespace OrvaneWinUI {
 
-WaitingOverlay::WaitingOverlay(QWidget* parent) : QWidget(parent), spin_(new QTimer(this)) {
+WaitingOverlay::WaitingOverlay(QWidget* parent)
+    : QWidget(parent), text_(tr("Please wait...")), spin_(new QTimer(this)) {
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::StrongFocus);
     spin_->setInterval(40);

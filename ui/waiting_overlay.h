@@ -26,7 +26,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QString text_ = QStringLiteral("Please wait...");
+    QString text_;
     QTimer* spin_;
     int angle_ = 0;
 };

@@ -1,5 +1,6 @@
 #include "video/player_wnd.h"
 
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QMetaObject>
 #include <QScreen>
@@ -61,6 +62,8 @@ bool PlayerWnd::SetWindowInstance(QWidget* owner) {
         m_hParent = owner;
         m_hWnd = new VideoWindow(owner);
         m_hWnd->setObjectName("Recording_Player_Window_Class");
+        // Named for window switchers and screen readers; the window has no frame.
+        m_hWnd->setWindowTitle(QCoreApplication::translate("PlayerWnd", "Swing replay"));
         m_hWnd->SetRepaintHandler([this] {
             if (m_pPlayer) {
                 m_pPlayer->Repaint();

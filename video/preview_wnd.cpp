@@ -1,5 +1,6 @@
 #include "video/preview_wnd.h"
 
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -37,6 +38,8 @@ bool PreviewWnd::Create(QWidget* owner) {
     m_hParent = owner;
     m_hWnd = new VideoWindow(owner);
     m_hWnd->setObjectName("Capture_Engine_Preview_Window_Class");
+    // Named for window switchers and screen readers; the window has no frame.
+    m_hWnd->setWindowTitle(QCoreApplication::translate("PreviewWnd", "Camera preview"));
     const WindowHandle handle = m_hWnd->VideoHandle();
     m_pCaptureManager = std::make_unique<CaptureManager>(sources_, timing_);
     if (Failed(m_pCaptureManager->InitializeCaptureManager(handle))) {
