@@ -28,7 +28,7 @@ constexpr LanguageFiles kLanguages[] = {
 }  // namespace
 
 UiTranslation::UiTranslation(int languageId)
-    : UiTranslation(languageId, ProgramFolder() / "translations") {}
+    : UiTranslation(languageId, DataFolder() / "translations") {}
 
 UiTranslation::UiTranslation(int languageId, const std::filesystem::path& folder) {
     const std::string_view name = LanguageFolderName(languageId);

@@ -3,8 +3,7 @@
 #   bin/OrvaneWin, bin/trusim-emulator
 #   lib/<multiarch>/orvane-x/  the UI library, found through the program's RUNPATH
 #   share/orvane-x/lang/  the string tables, found from the program's location
-# Further data folders go beside lang/ with one line, e.g. Qt's translations:
-#   install(DIRECTORY <built .qm folder>/ DESTINATION ${ORVANE_DATA_DIR}/translations)
+#   share/orvane-x/translations/  the window's translations (installed by lang/)
 find_program(RSVG_CONVERT rsvg-convert)
 find_program(GZIP_PROGRAM gzip)
 if(NOT RSVG_CONVERT OR NOT GZIP_PROGRAM OR NOT TARGET OrvaneWin)
