@@ -44,8 +44,14 @@ void ConsoleReporter::OnOrvOrvaneBatteryState(int percent) {
 }
 
 void ConsoleReporter::OnOrvShot() {
+    const Orvane::LastShotInfo shot = manager_.GetLastShot();
+    // Refused shots are not numbered: the simulator never saw them.
+    if (shot.outcome == Orvane::ShotOutcome::kRefusedNotFinite) {
+        Line(Orvane::ShotOutcomeText(shot.outcome));
+        return;
+    }
     const int number = ++shots_;
-    Line("Shot " + std::to_string(number) + ": " + ShotLine(manager_.GetLastShot()));
+    Line("Shot " + std::to_string(number) + ": " + ShotLine(shot));
 }
 
 }  // namespace orv

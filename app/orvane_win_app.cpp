@@ -15,6 +15,9 @@
 #include "common/settings.h"
 #include "common/speech.h"
 #include "common/string_res.h"
+#include "history/history_store.h"
+#include "history/history_text.h"
+#include "history/history_writer.h"
 
 namespace orv {
 
@@ -26,6 +29,19 @@ bool HasDisplay() {
     return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
+// The session's figures per club, one line, once the session is over.
+void PrintSessionSummary(const orv::history::HistoryWriter& writer) {
+    std::unique_ptr<orv::history::HistoryStore> store =
+        writer.Session() > 0 ? orv::history::HistoryStore::Open(writer.File()) : nullptr;
+    if (!store) {
+        return;
+    }
+    orv::history::HistoryFilter filter;
+    filter.session = writer.Session();
+    std::printf("%s\n", orv::history::SessionSummary(store->Figures(filter)).c_str());
+    std::fflush(stdout);
+}
+
 void SayAlreadyRunning() {
     std::printf("Orvane X is already running.\n");
     std::fflush(stdout);
@@ -33,9 +49,17 @@ void SayAlreadyRunning() {
 
 }  // namespace
 
+std::filesystem::path HistoryFile() {
+    return OrvSettings::GetInstance()->GetFolder() / "history.db";
+}
+
 int COrvaneWinApp::Run(int argc, char** argv) {
     const StartupOptions options = ParseStartupOptions(argc, argv);
     ApplyStartupOptions(options);
+    if (!options.exportHistory.empty()) {
+        // Needs no display and no session: the file is read and written, that is all.
+        return orv::history::ExportHistoryFile(HistoryFile(), options.exportHistory) ? 0 : 1;
+    }
     if (!options.console && !HasDisplay()) {
         LOG_INFO("No display: running in console mode\n");
         std::printf("No display found: running in console mode.\n");
@@ -101,6 +125,9 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     manager->SetConfig(std::move(config));
     ConsoleReporter reporter(*manager);
     manager->SetCallback(&reporter);
+    history::HistoryWriter history(HistoryFile());
+    history.Start();
+    manager->SetShotListener(&history);
     std::printf("Orvane X %s running%s. Ctrl-C quits.\n", GetVersion().c_str(),
                 options.demo ? " with the demo sensor" : "");
     std::fflush(stdout);
@@ -114,6 +141,8 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     std::fflush(stdout);
     TTS_DeInit();
     Orvane::OrvManager::ReleaseInstance();
+    history.Stop();
+    PrintSessionSummary(history);
     OrvSettings::ReleaseInstance();
     return 0;
 }

@@ -28,6 +28,9 @@ StartupOptions ParseStartupOptions(int argc, const char* const* argv) {
             options.demo = true;
         } else if (std::strcmp(arg, "-console") == 0) {
             options.console = true;
+        } else if (std::strcmp(arg, "-export_history") == 0 && i + 1 < argc &&
+                   argv[i + 1] != nullptr) {
+            options.exportHistory = argv[++i];
         }
     }
     return options;

@@ -2,14 +2,17 @@
 // console mode.
 #pragma once
 
+#include <string>
+
 namespace orv {
 
 struct StartupOptions {
-    bool debug = false;        // "-debug": tagged log lines
-    bool debugPacket = false;  // "-debug_packet": packet dumps
-    bool debugFile = false;    // "-debug_file": the log goes to "log.txt" (with a debug switch)
-    bool demo = false;         // "-demo": in-process virtual sensor
-    bool console = false;      // "-console": no window, states and shots on standard output
+    bool debug = false;         // "-debug": tagged log lines
+    bool debugPacket = false;   // "-debug_packet": packet dumps
+    bool debugFile = false;     // "-debug_file": the log goes to "log.txt" (with a debug switch)
+    bool demo = false;          // "-demo": in-process virtual sensor
+    bool console = false;       // "-console": no window, states and shots on standard output
+    std::string exportHistory;  // "-export_history FILE": the shot history as CSV, then exit
 };
 
 // Looks at every argument from index 0; switches match exactly, case-sensitive.

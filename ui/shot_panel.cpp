@@ -40,6 +40,7 @@ ShotPanel::ShotPanel(QWidget* parent)
     : QFrame(parent),
       title_(new QLabel("LAST SHOT")),
       club_(new QLabel),
+      notice_(new QLabel),
       layout_(new QVBoxLayout(this)) {
     setObjectName("shotPanel");
     title_->setObjectName("caption");
@@ -74,6 +75,10 @@ ShotPanel::ShotPanel(QWidget* parent)
         grid->addWidget(frame, i / 2, i % 2);
     }
     layout_->addLayout(grid, 1);
+    notice_->setObjectName("shotNotice");
+    notice_->setWordWrap(true);
+    notice_->hide();
+    layout_->addWidget(notice_);
     Clear();
 }
 
@@ -94,6 +99,15 @@ void ShotPanel::Clear() {
     }
     club_->clear();
     hasShot_ = false;
+}
+
+void ShotPanel::SetNotice(const QString& text) {
+    notice_->setText(text);
+    notice_->setVisible(!text.isEmpty());
+}
+
+QString ShotPanel::NoticeText() const {
+    return notice_->text();
 }
 
 QString ShotPanel::ValueText(ShotValue value) const {
