@@ -31,6 +31,8 @@ namespace orv {
 
 namespace {
 
+const QDate kEarliest(2000, 1, 1);
+
 QString Number(double value, int decimals) {
     return std::isfinite(value) ? QLocale().toString(value, 'f', decimals) : QString();
 }
@@ -97,7 +99,7 @@ HistoryDialog::HistoryDialog(std::filesystem::path file, int64_t session, QWidge
     auto* filters = new QHBoxLayout;
     clubFilter = new QComboBox;
     clubFilter->addItem(tr("All clubs"), 0);
-    fromDate = new QDateEdit(QDate(2000, 1, 1));
+    fromDate = new QDateEdit(kEarliest);
     toDate = new QDateEdit(QDate::currentDate());
     for (QDateEdit* edit : {fromDate, toDate}) {
         edit->setCalendarPopup(true);
@@ -151,8 +153,13 @@ HistoryDialog::HistoryDialog(std::filesystem::path file, int64_t session, QWidge
 history::HistoryFilter HistoryDialog::Filter() const {
     history::HistoryFilter filter;
     filter.club = clubFilter->currentData().toInt();
-    filter.fromMs = fromDate->date().startOfDay().toMSecsSinceEpoch();
-    filter.toMs = toDate->date().endOfDay().toMSecsSinceEpoch();
+    // Left at their widest, the dates set no bound (the figures then come from running sums).
+    if (fromDate->date() > kEarliest) {
+        filter.fromMs = fromDate->date().startOfDay().toMSecsSinceEpoch();
+    }
+    if (toDate->date() < QDate::currentDate()) {
+        filter.toMs = toDate->date().endOfDay().toMSecsSinceEpoch();
+    }
     return filter;
 }
 

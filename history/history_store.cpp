@@ -24,7 +24,24 @@ constexpr const char* kMigrations[] = {
     " back_spin REAL, ball_speed REAL, launch_angle REAL, launch_direction REAL, side_spin REAL,"
     " club_head_speed REAL, club_angle_face REAL, club_angle_path REAL,"
     " outcome TEXT NOT NULL, distance_to_pin REAL, clip TEXT NOT NULL);"
-    "CREATE INDEX shots_by_time ON shots(time_ms);",
+    "CREATE INDEX shots_by_time ON shots(time_ms);"
+    // Running sums per session and club, so the figures need no scan of the shots.
+    "CREATE TABLE club_totals(session INTEGER NOT NULL, club INTEGER NOT NULL, club_name TEXT,"
+    " n INTEGER NOT NULL, s1 REAL, q1 REAL, s2 REAL, q2 REAL, s3 REAL, q3 REAL, s4 REAL, q4 REAL,"
+    " s5 REAL, q5 REAL, s6 REAL, q6 REAL, PRIMARY KEY(session, club));"
+    "CREATE TRIGGER shots_total AFTER INSERT ON shots WHEN NEW.outcome != 'refused_not_finite' "
+    "BEGIN INSERT INTO club_totals VALUES(NEW.session, NEW.club, NEW.club_name, 1,"
+    " NEW.ball_speed, NEW.ball_speed * NEW.ball_speed,"
+    " NEW.launch_angle, NEW.launch_angle * NEW.launch_angle,"
+    " NEW.launch_direction, NEW.launch_direction * NEW.launch_direction,"
+    " NEW.back_spin, NEW.back_spin * NEW.back_spin,"
+    " NEW.side_spin, NEW.side_spin * NEW.side_spin,"
+    " NEW.club_head_speed, NEW.club_head_speed * NEW.club_head_speed)"
+    " ON CONFLICT(session, club) DO UPDATE SET n = n + 1,"
+    " s1 = s1 + excluded.s1, q1 = q1 + excluded.q1, s2 = s2 + excluded.s2, q2 = q2 + excluded.q2,"
+    " s3 = s3 + excluded.s3, q3 = q3 + excluded.q3, s4 = s4 + excluded.s4, q4 = q4 + excluded.q4,"
+    " s5 = s5 + excluded.s5, q5 = q5 + excluded.q5, s6 = s6 + excluded.s6, q6 = q6 + excluded.q6;"
+    " END;",
 };
 static_assert(std::size(kMigrations) == HistoryStore::kSchemaVersion);
 
@@ -261,14 +278,28 @@ std::vector<HistoryRow> HistoryStore::Shots(const HistoryFilter& filter) {
 
 std::vector<ClubFigures> HistoryStore::Figures(const HistoryFilter& filter) {
     std::vector<ClubFigures> figures;
-    // Mean and mean of squares per value, over the shots whose values were numbers.
-    std::string sql = "SELECT club, max(club_name), count(*)";
-    for (const char* column : {"ball_speed", "launch_angle", "launch_direction", "back_spin",
-                               "side_spin", "club_head_speed"}) {
-        sql += std::string(", avg(") + column + "), avg(" + column + "*" + column + ")";
+    // Mean and mean of squares per value, over the shots whose values were
+    // numbers: from the running sums unless a time range asks for the shots.
+    const bool allTime = filter.fromMs <= 0 && filter.toMs == std::numeric_limits<int64_t>::max();
+    std::string sql = "SELECT club, max(club_name), ";
+    if (allTime) {
+        sql += "sum(n)";
+        for (int i = 1; i <= 6; ++i) {
+            const std::string n = std::to_string(i);
+            sql += ", sum(s" + n + ") / sum(n), sum(q" + n + ") / sum(n)";
+        }
+        sql +=
+            " FROM club_totals WHERE (?1 = 0 OR club = ?1) AND ?2 <= ?3 AND (?4 = 0 OR session = "
+            "?4) GROUP BY club ORDER BY club";
+    } else {
+        sql += "count(*)";
+        for (const char* column : {"ball_speed", "launch_angle", "launch_direction", "back_spin",
+                                   "side_spin", "club_head_speed"}) {
+            sql += std::string(", avg(") + column + "), avg(" + column + "*" + column + ")";
+        }
+        sql += std::string(" FROM shots") + kWhere +
+               " AND outcome != 'refused_not_finite' GROUP BY club ORDER BY club";
     }
-    sql += std::string(" FROM shots") + kWhere +
-           " AND outcome != 'refused_not_finite' GROUP BY club ORDER BY club";
     Statement query(Prepare(sql.c_str()));
     if (!query) {
         return figures;
