@@ -152,6 +152,7 @@ std::unique_ptr<HistoryStore> HistoryStore::Open(const std::filesystem::path& fi
 }
 
 HistoryStore::~HistoryStore() {
+    sqlite3_finalize(insert_);
     sqlite3_close(db_);
 }
 
@@ -218,11 +219,13 @@ int64_t HistoryStore::BeginSession(int64_t startedMs) {
 int HistoryStore::Insert(int64_t session, const Orvane::ShotReport& shot) {
     const std::string sql = std::string("INSERT INTO shots(") + kColumns +
                             ") VALUES(NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)";
-    Statement insert(Prepare(sql.c_str()));
-    if (!insert) {
-        return sqlite3_errcode(db_);
+    if (insert_ == nullptr) {
+        insert_ = Prepare(sql.c_str());
+        if (insert_ == nullptr) {
+            return sqlite3_errcode(db_);
+        }
     }
-    sqlite3_stmt* s = insert.get();
+    sqlite3_stmt* s = insert_;
     int column = 0;
     sqlite3_bind_int64(s, ++column, session);
     sqlite3_bind_int64(s, ++column, shot.wallTimeMs);
@@ -239,6 +242,7 @@ int HistoryStore::Insert(int64_t session, const Orvane::ShotReport& shot) {
     sqlite3_bind_double(s, ++column, shot.distanceToPin);
     sqlite3_bind_text(s, ++column, shot.clip.c_str(), -1, SQLITE_TRANSIENT);
     const int rc = sqlite3_step(s);
+    sqlite3_reset(s);
     return rc == SQLITE_DONE ? SQLITE_OK : rc;
 }
 

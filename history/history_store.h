@@ -75,6 +75,7 @@ private:
     sqlite3_stmt* Prepare(const char* sql);
 
     sqlite3* db_;
+    sqlite3_stmt* insert_ = nullptr;  // prepared once: one is written per shot
 };
 
 }  // namespace orv::history
