@@ -1,5 +1,6 @@
 #include "app/console_reporter.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <cstdio>
 
@@ -42,8 +43,14 @@ void ConsoleReporter::OnOrvOrvaneBatteryState(int percent) {
 }
 
 void ConsoleReporter::OnOrvShot() {
+    const Orvane::LastShotInfo shot = manager_.GetLastShot();
+    // Refused shots are not numbered: the simulator never saw them.
+    if (shot.outcome == Orvane::ShotOutcome::kRefusedNotFinite) {
+        Line(QCoreApplication::translate("ShotOutcome", Orvane::ShotOutcomeText(shot.outcome)));
+        return;
+    }
     const int number = ++shots_;
-    Line(tr("Shot %1: %2").arg(QLocale().toString(number), ShotLine(manager_.GetLastShot())));
+    Line(tr("Shot %1: %2").arg(QLocale().toString(number), ShotLine(shot)));
 }
 
 }  // namespace orv

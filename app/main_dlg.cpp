@@ -11,6 +11,8 @@
 
 #include "app/deployment.h"
 #include "app/help_links.h"
+#include "app/history_dialog.h"
+#include "app/orvane_win_app.h"
 #include "app/posted_message.h"
 #include "app/record_preview.h"
 #include "app/shot_text.h"
@@ -95,6 +97,8 @@ bool CMainDlg::OnInitDialog() {
             [this] { OnShowShotOption(); });
     connect(control_, &OrvaneWinUI::OrvaneUIControl::ShowShotNoClicked, this,
             [this] { OnShowShotOption(); });
+    connect(control_, &OrvaneWinUI::OrvaneUIControl::HistoryClicked, this,
+            [this] { OpenHistory(); });
     connect(control_, &OrvaneWinUI::OrvaneUIControl::ClubChangeRequested, this,
             [this](int club) { PostMessageTo(this, WM_SIMULATOR_CLUB, 0, club); });
 
@@ -113,6 +117,9 @@ bool CMainDlg::OnInitDialog() {
     manager->SetConfig(std::move(config));
     manager->SetCallback(this);
     manager->SetRecordingControl(preview_ ? preview_->Recorder() : nullptr);
+    history_ = std::make_unique<history::HistoryWriter>(HistoryFile());
+    history_->Start();
+    manager->SetShotListener(history_.get());
     manager->Start();
 
     LoadSettings();
@@ -267,6 +274,13 @@ void CMainDlg::OnShot() {
         return;
     }
     const Orvane::LastShotInfo shot = Orvane::OrvManager::GetInstance()->GetLastShot();
+    control_->SetCurrentClub(shot.club);
+    if (shot.outcome == Orvane::ShotOutcome::kRefusedNotFinite) {
+        // No figures to show: say why nothing happened.
+        control_->shotPanel->SetNotice(tr("Shot not sent: the simulator named no known club"));
+        return;
+    }
+    control_->shotPanel->SetNotice({});
     OrvaneWinUI::LastShot figures;
     figures.club = ClubName(shot.club);
     figures.ballSpeed = shot.ball.BallSpeed;
@@ -276,7 +290,19 @@ void CMainDlg::OnShot() {
     figures.sideSpin = shot.ball.SideSpin;
     figures.headSpeed = shot.clubData.ClubHeadSpeed;
     control_->SetLastShot(figures);
-    control_->SetCurrentClub(shot.club);
+    if (historyDialog_) {
+        historyDialog_->Reload();
+    }
+}
+
+HistoryDialog* CMainDlg::OpenHistory() {
+    if (!historyDialog_) {
+        historyDialog_ = new HistoryDialog(HistoryFile(), history_ ? history_->Session() : 0, this);
+        historyDialog_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    historyDialog_->show();
+    historyDialog_->raise();
+    return historyDialog_;
 }
 
 void CMainDlg::OnSimulatorClub(intptr_t club) {
@@ -381,6 +407,9 @@ void CMainDlg::OnOrvaneExit() {
 void CMainDlg::CloseOrvane() {
     TTS_DeInit();
     Orvane::OrvManager::ReleaseInstance();
+    if (history_) {
+        history_->Stop();
+    }
     OrvSettings::ReleaseInstance();
     PostMessageTo(this, WM_ORV_EXIT_DONE, 0, 0);
 }

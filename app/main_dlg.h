@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 #include <atomic>
 #include <memory>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "app/deployment.h"
 #include "app/version_check.h"
+#include "history/history_writer.h"
 #include "session/orv_manager.h"
 
 namespace OrvaneWinUI {
@@ -18,6 +20,7 @@ class OrvaneUIControl;
 
 namespace orv {
 
+class HistoryDialog;
 class RecordPreview;
 class VersionCheckWorker;
 
@@ -45,6 +48,8 @@ public:
 
     OrvaneWinUI::OrvaneUIControl* GetControl() const { return control_; }
     RecordPreview* GetRecordPreview() const { return preview_.get(); }
+    // Shows the shot history beside the main window (made on first use).
+    HistoryDialog* OpenHistory();
 
     // Session callbacks, on the session's threads: they only post.
     void OnOrvE6ConnectionChanged(bool connected) override;
@@ -92,6 +97,8 @@ private:
     OrvaneWinUI::OrvaneUIControl* control_ = nullptr;
     std::unique_ptr<RecordPreview> preview_;
     std::unique_ptr<VersionCheckWorker> versionCheck_;
+    std::unique_ptr<history::HistoryWriter> history_;
+    QPointer<HistoryDialog> historyDialog_;
     std::thread closer_;
     std::atomic<bool> closing_{false};
     bool exitDone_ = false;

@@ -16,6 +16,9 @@
 #include "common/settings.h"
 #include "common/speech.h"
 #include "common/string_res.h"
+#include "history/history_store.h"
+#include "history/history_text.h"
+#include "history/history_writer.h"
 
 namespace orv {
 
@@ -27,6 +30,19 @@ bool HasDisplay() {
     return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
+// The session's figures per club, one line, once the session is over.
+void PrintSessionSummary(const orv::history::HistoryWriter& writer) {
+    std::unique_ptr<orv::history::HistoryStore> store =
+        writer.Session() > 0 ? orv::history::HistoryStore::Open(writer.File()) : nullptr;
+    if (!store) {
+        return;
+    }
+    orv::history::HistoryFilter filter;
+    filter.session = writer.Session();
+    std::printf("%s\n", orv::history::SessionSummary(store->Figures(filter)).c_str());
+    std::fflush(stdout);
+}
+
 void Say(const char* text) {
     ConsoleReporter::Line(QCoreApplication::translate("COrvaneWinApp", text));
 }
@@ -35,6 +51,10 @@ constexpr const char* kAlreadyRunning =
     QT_TRANSLATE_NOOP("COrvaneWinApp", "Orvane X is already running.");
 
 }  // namespace
+
+std::filesystem::path HistoryFile() {
+    return OrvSettings::GetInstance()->GetFolder() / "history.db";
+}
 
 int COrvaneWinApp::Run(int argc, char** argv) {
     const StartupOptions options = ParseStartupOptions(argc, argv);
@@ -45,6 +65,10 @@ int COrvaneWinApp::Run(int argc, char** argv) {
     ApplyStartupOptions(options);
     // One choice of language for every text of this run.
     const int language = GetUserDefaultLanguageId();
+    if (!options.exportHistory.empty()) {
+        // Needs no display and no session: the file is read and written, that is all.
+        return orv::history::ExportHistoryFile(HistoryFile(), options.exportHistory) ? 0 : 1;
+    }
     if (!options.console && !HasDisplay()) {
         LOG_INFO("No display: running in console mode\n");
         return RunConsole(argc, argv, options, language, true);
@@ -123,6 +147,9 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
                      : QT_TRANSLATE_NOOP("COrvaneWinApp", "Orvane X %1 running. Ctrl-C quits.");
     ConsoleReporter::Line(QCoreApplication::translate("COrvaneWinApp", running)
                               .arg(QString::fromStdString(GetVersion())));
+    history::HistoryWriter history(HistoryFile());
+    history.Start();
+    manager->SetShotListener(&history);
     manager->Start();
 
     QuitSignals quit;
@@ -132,6 +159,8 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
     Say(QT_TRANSLATE_NOOP("COrvaneWinApp", "Shutting down."));
     TTS_DeInit();
     Orvane::OrvManager::ReleaseInstance();
+    history.Stop();
+    PrintSessionSummary(history);
     OrvSettings::ReleaseInstance();
     return 0;
 }

@@ -3,10 +3,15 @@
 // until the user quits, and tears everything down in order.
 #pragma once
 
+#include <filesystem>
+
 #include "app/startup_options.h"
 #include "session/orv_manager.h"
 
 namespace orv {
+
+// "history.db" in the settings folder.
+std::filesystem::path HistoryFile();
 
 class COrvaneWinApp {
 public:

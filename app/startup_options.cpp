@@ -47,6 +47,9 @@ StartupOptions ParseStartupOptions(int argc, const char* const* argv) {
             options.help = true;
         } else if (std::strcmp(arg, "--version") == 0) {
             options.version = true;
+        } else if (std::strcmp(arg, "-export_history") == 0 && i + 1 < argc &&
+                   argv[i + 1] != nullptr) {
+            options.exportHistory = argv[++i];
         }
     }
     return options;

@@ -2,6 +2,8 @@
 // console mode.
 #pragma once
 
+#include <string>
+
 namespace orv {
 
 struct StartupOptions {
@@ -12,6 +14,7 @@ struct StartupOptions {
     bool console = false;      // "-console": no window, states and shots on standard output
     bool help = false;         // "-h" or "--help": usage, then exit
     bool version = false;      // "--version": the version, then exit
+    std::string exportHistory;  // "-export_history FILE": the shot history as CSV, then exit
 };
 
 // What "--help" prints.

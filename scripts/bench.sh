@@ -10,13 +10,16 @@ bin=./build/default/bin
 
 cmake --preset default >/dev/null
 cmake --build --preset default -j 2 --target shot_latency_bench swing_memory_bench \
-  reconnect_bench idle_cpu_bench frames_bench video_bench
+  reconnect_bench idle_cpu_bench frames_bench video_bench history_bench
 
 rows=$(mktemp)
 trap 'rm -f "$rows"' EXIT
 
 echo "shot latency (5,000 swings)..." >&2
 "$bin/shot_latency_bench" 5000 >>"$rows"
+
+echo "shot history: latency on/off, inserts, per-club figures..." >&2
+"$bin/history_bench" 4000 >>"$rows"
 
 echo "frames built and parsed per second..." >&2
 "$bin/frames_bench" --benchmark_format=csv --benchmark_min_time=0.5 2>/dev/null |
@@ -77,6 +80,14 @@ $table
   The next swing goes out only after the previous shot arrived and the session's follow-up command
   to the sensor was answered, so nothing queues. Target: p99 below 1 ms and below 20 times the
   bare loopback p99.
+- **Shot latency p99, history on / off**: the shot latency above, in alternating blocks of 250
+  swings with the history writer listening (rows into a real file) and without it, in one run;
+  the history must not add more than 10 % at the 99th percentile.
+- **History rows written per second**: 100,000 shots written one transaction each into a real
+  file in WAL mode, as the writer thread does.
+- **History figures per club over 100,000 shots**: the per-club count, mean and spread of six
+  values for every club, as the History window and the console summary ask for them. Target
+  below 50 ms.
 - **Bare loopback TCP**: a 20-byte message over a loopback TCP connection (TCP_NODELAY), send
   to receive, measured in the same run as the reference for the ratio.
 - **Frames built / parsed per second**: Google Benchmark of

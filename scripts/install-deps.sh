@@ -9,7 +9,7 @@ PACKAGES=(
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # core libraries
-  libssl-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev
+  libssl-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libsqlite3-dev
   # Bluetooth over D-Bus
   libsdbus-c++-dev libsystemd-dev dbus-daemon
   # speech
@@ -20,7 +20,7 @@ PACKAGES=(
   gstreamer1.0-plugins-ugly gstreamer1.0-libav gstreamer1.0-x gstreamer1.0-tools
   gstreamer1.0-plugins-base-apps libpulse-dev
   # application shell
-  qt6-base-dev libcurl4-openssl-dev
+  qt6-base-dev qt6-charts-dev libqt6opengl6-dev libcurl4-openssl-dev
   # translations of the window (lupdate/lrelease, Qt's own catalogues) and CJK glyphs
   qt6-tools-dev qt6-l10n-tools qt6-translations-l10n fonts-noto-cjk
   # headless windows and test certificates

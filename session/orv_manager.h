@@ -21,6 +21,7 @@
 #include "session/orv_manager_callback.h"
 #include "session/recording_control.h"
 #include "session/session_timing.h"
+#include "session/shot_report.h"
 #include "session/worker_record.h"
 #include "simulator/e6_trusim_client.h"
 #include "simulator/shot_records.h"
@@ -48,6 +49,9 @@ struct LastShotInfo {
     int club = 0;
     E6BallData ball;
     E6ClubData clubData;
+    // As known when the user interface is told: a refusal or a missing
+    // simulator is known then; a shot that goes out reads kSent.
+    ShotOutcome outcome = ShotOutcome::kSent;
 };
 
 class OrvManager : public BthCallback, public E6TruSimClientCallback {
@@ -64,6 +68,8 @@ public:
     void SetConfig(OrvManagerConfig config);
     void SetCallback(OrvManagerCallback* uiCallback) { callback.store(uiCallback); }
     void SetRecordingControl(RecordingControl* control) { recording.store(control); }
+    // Told of every shot with its outcome; may be null.
+    void SetShotListener(ShotListener* listener) { shotListener.store(listener); }
 
     void Start();
     void Stop();
@@ -139,6 +145,9 @@ private:
     void HandleLRSig(const OrvDataLRSig& record);
     void SendClubSelect(int club, bool wake);
     void SendClubToSimulator(int sensorClub);
+    ShotOutcome SendShotMessages(E6TruSimClient* client, const E6BallData& ball,
+                                 const E6ClubData& clubData);
+    void PublishShot(const ShotReport& report);
 
     // Supervision threads.
     void StartConnCheckThread();
@@ -179,6 +188,7 @@ private:
     std::atomic<OrvManagerCallback*> callback{nullptr};
     std::atomic<RecordingControl*> recording{nullptr};
     std::mutex e6ReportMutex;          // guards checking and reporting the simulator link to the UI
+    std::atomic<ShotListener*> shotListener{nullptr};
     mutable std::mutex lastShotMutex;  // guards lastShot (receive thread writes, UI reads)
     LastShotInfo lastShot;
     FILE* rawFile = nullptr;  // raw-data transfer target; receive thread only

@@ -3,6 +3,8 @@
 // no camera, and then records nothing.
 #pragma once
 
+#include <string>
+
 namespace Orvane {
 
 class RecordingControl {
@@ -21,6 +23,8 @@ public:
     virtual void ClosePlayer() = 0;
     // A capture manager exists and the "Recording" setting is on.
     virtual bool IsRecordingAvailable() const = 0;
+    // The file of the clip last started; empty when none is.
+    virtual std::string CurrentClip() { return {}; }
 };
 
 }  // namespace Orvane

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "common/clock.h"
 #include "common/debug_log.h"
 #include "common/speech.h"
 #include "common/string_res.h"
@@ -242,43 +243,71 @@ void OrvManager::HandleSwingInfo(const OrvDataSwingInfoModel& record) {
     }
     StopRecording(2);
 
-    const double headSpeed = record.HeadSpeed;
-    const double path =
+    ShotReport report;
+    report.wallTimeMs = WallClockMs();
+    report.sensorClub = state->clubCode.load();
+    report.club = club;
+    report.clubName = E6_GetClubTypeName(club);
+    report.headSpeed = record.HeadSpeed;
+    report.path =
         record.ClubPathDir == kNegativeDirection ? -double{record.ClubPath} : record.ClubPath;
-    const double face =
+    report.face =
         record.FaceAngleDir == kNegativeDirection ? -double{record.FaceAngle} : record.FaceAngle;
-    double ratio = 0.0;
-    if (simulatorReady && client->GetDistanceToPin() > 0.0) {
-        ratio = record.SwingDistance / client->GetDistanceToPin();
+    report.tempo = record.Tempo;
+    report.swingDistance = record.SwingDistance;
+    if (simulatorReady) {
+        report.distanceToPin = client->GetDistanceToPin();
     }
-    const E6BallData ball =
-        E6_MakeBallData(club, state->hands.load(), headSpeed, path, face, ratio);
-    const E6ClubData clubData = E6_MakeClubData(headSpeed, path, face);
+    RecordingControl* rec = recording.load();
+    if (rec != nullptr && state->recordingStarted.load()) {
+        report.clip = rec->CurrentClip();
+    }
+    double ratio = 0.0;
+    if (report.distanceToPin > 0.0) {
+        ratio = record.SwingDistance / report.distanceToPin;
+    }
+    report.ball = E6_MakeBallData(club, state->hands.load(), report.headSpeed, report.path,
+                                  report.face, ratio);
+    report.clubData = E6_MakeClubData(report.headSpeed, report.path, report.face);
+    const E6BallData& ball = report.ball;
+    const E6ClubData& clubData = report.clubData;
+    if (simulatorReady) {
+        report.outcome = ShotOutcome::kSent;
+    } else if (client != nullptr && client->IsConnected()) {
+        report.outcome = ShotOutcome::kNotAuthenticated;
+    } else {
+        report.outcome = ShotOutcome::kNoSimulator;
+    }
     // An unknown club gives a zero table row; the simulator cannot take "nan".
     if (!AllFinite({ball.BackSpin, ball.BallSpeed, ball.LaunchAngle, ball.LaunchDirection,
                     ball.SideSpin, clubData.ClubHeadSpeed, clubData.ClubAngleFace,
                     clubData.ClubAnglePath})) {
         LOG_ERROR("Shot dropped: club %d gives no valid ball data\n", club);
-        return;
+        report.outcome = ShotOutcome::kRefusedNotFinite;
     }
 
     {
         std::lock_guard<std::mutex> lock(lastShotMutex);
-        lastShot = LastShotInfo{club, ball, clubData};
+        lastShot = LastShotInfo{club, ball, clubData, report.outcome};
     }
     if (OrvManagerCallback* ui = callback.load()) {
         ui->OnOrvShot();
     }
-    if (!simulatorReady) {
-        return;
+    if (report.outcome == ShotOutcome::kSent) {
+        report.outcome = SendShotMessages(client, ball, clubData);
     }
+    PublishShot(report);
+}
+
+ShotOutcome OrvManager::SendShotMessages(E6TruSimClient* client, const E6BallData& ball,
+                                         const E6ClubData& clubData) {
     if (!client->SendTruSimMessage(E6_GetBallDataJson(ball)) ||
         !client->SendTruSimMessage(E6_GetClubDataJson(clubData))) {
-        return;
+        return ShotOutcome::kSendFailed;
     }
     const E6MiscData misc = E6_MakeMiscData(0.2, client->GetCurrentClub() == 1, 0);
     if (!client->SendTruSimMessage(E6_GetMiscDataJson(misc))) {
-        return;
+        return ShotOutcome::kSendFailed;
     }
     if (IsShowLog()) {
         LOG_INFO(
@@ -293,10 +322,17 @@ void OrvManager::HandleSwingInfo(const OrvDataSwingInfoModel& record) {
             clubData.ClubAngleFace, clubData.ClubAnglePath, clubData.ClubHeadSpeed);
     }
     if (!client->SendTruSimMessage(E6_GetSendShotJson())) {
-        return;
+        return ShotOutcome::kSendFailed;
     }
     state->shotPending = true;
     SendSystemSetting(false);
+    return ShotOutcome::kSent;
+}
+
+void OrvManager::PublishShot(const ShotReport& report) {
+    if (ShotListener* listener = shotListener.load()) {
+        listener->OnShotRecorded(report);
+    }
 }
 
 void OrvManager::HandleLRSig(const OrvDataLRSig& record) {

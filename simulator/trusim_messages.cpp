@@ -69,32 +69,34 @@ std::string E6_GetMiscDataJson(const E6MiscData& misc) {
         misc.TeeHeight, misc.TeeType, misc.TeedUp ? "true" : "false");
 }
 
-std::string E6_GetClubTypeJson(int club) {
+std::string E6_GetClubTypeName(int club) {
     const __code_tag* entry = OrvGetClubCodeDef(static_cast<uint8_t>(club & 0xFF));
     if (entry == nullptr) {
-        LOG_INFO("Unknown club: %d\n", club);
         return {};
     }
     // The simulator names the wedges differently; the rename looks at the
     // full code, the table lookup at its low byte only.
-    const char* name = entry->name;
     switch (club) {
         case 11:
-            name = "PWedge";
-            break;
+            return "PWedge";
         case 12:
-            name = "GWedge";
-            break;
+            return "GWedge";
         case 13:
-            name = "SWedge";
-            break;
+            return "SWedge";
         case 14:
-            name = "LWedge";
-            break;
+            return "LWedge";
         default:
-            break;
+            return entry->name;
     }
-    return Format(R"({"Type":"SetClubType","ClubType":"%s"})", name);
+}
+
+std::string E6_GetClubTypeJson(int club) {
+    const std::string name = E6_GetClubTypeName(club);
+    if (name.empty()) {
+        LOG_INFO("Unknown club: %d\n", club);
+        return {};
+    }
+    return Format(R"({"Type":"SetClubType","ClubType":"%s"})", name.c_str());
 }
 
 int E6_GetClubWithAddedCount(int club, int count) {

@@ -14,6 +14,8 @@ std::string E6_GetChallengeJson(const std::string& developer, const std::string&
 std::string E6_GetBallDataJson(const E6BallData& ball);
 // Empty (one log line) for a code without a club entry.
 std::string E6_GetClubTypeJson(int club);
+// The simulator's name of a club ("Driver", "PWedge"); empty for an unknown code.
+std::string E6_GetClubTypeName(int club);
 std::string E6_GetClubDataJson(const E6ClubData& club);
 std::string E6_GetMiscDataJson(const E6MiscData& misc);
 std::string E6_GetSendShotJson();

@@ -61,6 +61,8 @@ OrvaneUIControl::OrvaneUIControl(QWidget* parent) : QWidget(parent) {
     shotPanel = new ShotPanel;
     clubPicker = new ClubPicker;
     shotPanel->AddFooter(clubPicker);
+    btnHistory = MakeButton(tr("History"), "quiet");
+    shotPanel->AddFooter(btnHistory);
     body->addWidget(shotPanel, 2);
     layout->addLayout(body, 1);
     layout->addWidget(MakeFooter());
@@ -72,6 +74,7 @@ OrvaneUIControl::OrvaneUIControl(QWidget* parent) : QWidget(parent) {
     connect(btnSave, &QPushButton::clicked, this, &OrvaneUIControl::SaveClicked);
     connect(btnManual, &QPushButton::clicked, this, &OrvaneUIControl::ManualClicked);
     connect(btnSupport, &QPushButton::clicked, this, &OrvaneUIControl::SupportClicked);
+    connect(btnHistory, &QPushButton::clicked, this, &OrvaneUIControl::HistoryClicked);
     connect(ckShowShotYes, &CheckImage::Clicked, this, &OrvaneUIControl::ShowShotYesClicked);
     connect(ckShowShotNo, &CheckImage::Clicked, this, &OrvaneUIControl::ShowShotNoClicked);
     connect(clubPicker, &ClubPicker::ClubChosen, this, &OrvaneUIControl::ClubChangeRequested);

@@ -45,6 +45,7 @@ public:
     QPushButton* btnSave;
     QPushButton* btnManual;
     QPushButton* btnSupport;
+    QPushButton* btnHistory;  // beside the last shot: opens the shot history
 
     // Beside the two choices of radioGroupShowShotResult; lit for the selected one.
     CheckImage* ckShowShotYes;
@@ -81,6 +82,7 @@ signals:
     void SaveClicked();
     void ManualClicked();
     void SupportClicked();
+    void HistoryClicked();
     void ShowShotYesClicked();
     void ShowShotNoClicked();
     // The user asks the dialog to change the sensor's club.

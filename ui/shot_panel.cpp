@@ -42,6 +42,7 @@ ShotPanel::ShotPanel(QWidget* parent)
     : QFrame(parent),
       title_(new QLabel(tr("LAST SHOT"))),
       club_(new QLabel),
+      notice_(new QLabel),
       layout_(new QVBoxLayout(this)) {
     setObjectName("shotPanel");
     title_->setObjectName("caption");
@@ -79,6 +80,10 @@ ShotPanel::ShotPanel(QWidget* parent)
         grid->addWidget(frame, i / 2, i % 2);
     }
     layout_->addLayout(grid, 1);
+    notice_->setObjectName("shotNotice");
+    notice_->setWordWrap(true);
+    notice_->hide();
+    layout_->addWidget(notice_);
     Clear();
 }
 
@@ -108,6 +113,15 @@ void ShotPanel::Clear() {
     }
     club_->clear();
     hasShot_ = false;
+}
+
+void ShotPanel::SetNotice(const QString& text) {
+    notice_->setText(text);
+    notice_->setVisible(!text.isEmpty());
+}
+
+QString ShotPanel::NoticeText() const {
+    return notice_->text();
 }
 
 QString ShotPanel::ValueText(ShotValue value) const {

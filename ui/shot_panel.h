@@ -32,6 +32,9 @@ public:
     explicit ShotPanel(QWidget* parent = nullptr);
 
     void SetLastShot(const LastShot& shot);
+    // A line under the figures saying why the last swing went nowhere; empty hides it.
+    void SetNotice(const QString& text);
+    QString NoticeText() const;
     // Back to dashes, before the first shot.
     void Clear();
     bool HasShot() const { return hasShot_; }
@@ -55,6 +58,7 @@ private:
 
     QLabel* title_;
     QLabel* club_;
+    QLabel* notice_;
     Cell cells_[6];
     QVBoxLayout* layout_;
     bool hasShot_ = false;

@@ -34,6 +34,7 @@ public:
     void ShowRecordingFile() override;
     void ClosePlayer() override;
     bool IsRecordingAvailable() const override;
+    std::string CurrentClip() override { return LastRecordingFile(); }
 
     // The path of the last recording that started; empty after a failed start.
     std::string LastRecordingFile();

@@ -45,6 +45,7 @@ public:
     void ShowRecordingFile() override;
     void ClosePlayer() override;
     bool IsRecordingAvailable() const override { return true; }
+    std::string CurrentClip() override { return "/clips/MyRecord3.mp4"; }
 
     std::vector<std::string> Calls() const;
     int Count(const std::string& call) const;
