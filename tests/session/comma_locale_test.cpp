@@ -46,10 +46,6 @@ TEST_F(CommaLocale, SimulatorTextsAndLogLinesKeepTheDecimalPoint) {
         {E6_GetBallDataJson(ball),
          "{\"Type\":\"SetBallData\",\"BallData\":{\"BackSpin\":2449.810, \"BallSpeed\":41.250,\t"
          "\"LaunchAngle\":14.440, \"LaunchDirection\":-0.500, \"SideSpin\":-350.000}}"},
-        {E6_GetClubDataJson(E6_MakeClubData(94.0, -2.5, 1.0)),
-         R"({"Type":"SetClubData","ClubData":{"ClubAngleFace":1.000, "ClubAnglePath":-2.500, "ClubHeadSpeed":94.000}})"},
-        {E6_GetMiscDataJson(E6_MakeMiscData(0.2, true, 0)),
-         R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})"},
         {log.Text().substr(log.Text().rfind("] ") + 2), "2.500 -0.250000\n"},
     };
     for (const auto& [text, expected] : texts) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <initializer_list>
 #include <string>
 
 #include "simulator/e6_trusim_client.h"
@@ -44,51 +45,40 @@ TEST(StrictSimulator, RefusesEveryInexactTextAndNeverRecordsAShotFromIt) {
     client.Init("127.0.0.1", emulator.Port());
     ASSERT_TRUE(emulator.WaitForMessages(1, 10s));
 
-    auto sendShot = [&](const std::string& ball, const std::string& club, const std::string& misc,
-                        int refusals) {
+    auto send = [&](std::initializer_list<std::string> texts, int refusals) {
         const int before = emulator.ProtocolErrors();
-        for (const std::string& text : {ball, club, misc, kSendShot}) {
+        for (const std::string& text : texts) {
             ASSERT_TRUE(client.SendTruSimMessage(text));
         }
         EXPECT_TRUE(Eventually([&] { return emulator.ProtocolErrors() == before + refusals; }))
-            << ball << "\n"
-            << club << "\n"
-            << misc;
+            << *texts.begin();
     };
-    // Exact texts, but before authentication.
-    sendShot(kBall, kClub, kMisc, 4);
+    send({kBall, kClub, kMisc, kSendShot}, 4);  // exact, but before authentication
 
     emulator.SetAnswerHandshake(true);
     ASSERT_TRUE(client.SendTruSimMessage(R"({"Type":"Handshake"})"));
     ASSERT_TRUE(Eventually([&] { return emulator.IsClientAuthenticated(); }));
-    const struct {
-        std::string ball, club, misc;
-    } wrong[] = {
-        {Replaced(kBall, "139.120", "139,120"), kClub, kMisc},
-        {Replaced(kBall, ",\t", ", "), kClub, kMisc},
-        {Replaced(kBall, ", \"SideSpin\":-350.000", ""), kClub, kMisc},
-        {Replaced(kBall, "-350.000", "nan"), kClub, kMisc},
-        {kBall.substr(0, 60), kClub, kMisc},
-        {kBall, Replaced(kClub, "94.000", "94.00"), kMisc},
-        {kBall,
-         R"({"Type":"SetClubData","ClubData":{"ClubAnglePath":-2.000, "ClubAngleFace":1.000, "ClubHeadSpeed":94.000}})",
-         kMisc},
-        {kBall, kClub, Replaced(kMisc, "\"true\"", "true")},
-        {kBall, kClub, Replaced(kMisc, "\"TeeType\":0", "\"TeeType\":0.000")},
+    const std::string wrong[] = {
+        Replaced(kBall, "139.120", "139,120"),
+        Replaced(kBall, ",\t", ", "),
+        Replaced(kBall, ", \"SideSpin\":-350.000", ""),
+        Replaced(kBall, "-350.000", "nan"),
+        kBall.substr(0, 60),
+        Replaced(kClub, "94.000", "94.00"),
+        R"({"Type":"SetClubData","ClubData":{"ClubAnglePath":-2.000, "ClubAngleFace":1.000, "ClubHeadSpeed":94.000}})",
+        Replaced(kMisc, "\"true\"", "true"),
+        Replaced(kMisc, "\"TeeType\":0", "\"TeeType\":0.000"),
     };
-    for (const auto& shot : wrong) {
-        // The wrong part, then the shot that lacks it.
-        sendShot(shot.ball, shot.club, shot.misc, 2);
+    for (const std::string& text : wrong) {
+        send({text, kSendShot}, 2);  // the wrong part, then the shot that lacks it
     }
     EXPECT_TRUE(emulator.Shots().empty());
 
-    sendShot(kBall, kClub, kMisc, 0);
+    send({kBall, kClub, kMisc, kSendShot}, 0);
     ASSERT_TRUE(emulator.WaitForShots(1, 10s));
     EXPECT_EQ(emulator.Shots()[0].ballSpeed, 139.12);
     EXPECT_EQ(emulator.Shots()[0].clubHeadSpeed, 94.0);
-    // Nothing of a shot carries over to the next.
-    ASSERT_TRUE(client.SendTruSimMessage(kSendShot));
-    EXPECT_TRUE(Eventually([&] { return emulator.ProtocolErrors() == 4 + 2 * 9 + 1; }));
+    send({kSendShot}, 1);  // nothing of a shot carries over to the next
     EXPECT_EQ(emulator.Shots().size(), 1u);
     client.Stop();
 }
