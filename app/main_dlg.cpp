@@ -24,6 +24,7 @@
 #include "ui/shot_panel.h"
 #include "ui/status_label.h"
 #include "ui/ui_theme.h"
+#include "video/window_placement.h"
 
 namespace orv {
 
@@ -76,8 +77,8 @@ bool CMainDlg::OnInitDialog() {
 
     // Centred in the work area at the fixed size.
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    setGeometry(area.x() + (area.width() - kWidth) / 2, area.y() + (area.height() - kHeight) / 2,
-                kWidth, kHeight);
+    setGeometry(PlaceInWorkArea(area, {(area.width() - kWidth) / 2, (area.height() - kHeight) / 2},
+                                {kWidth, kHeight}));
 
     control_->lbE6Caption->setText(QStringLiteral("E6 SIMULATOR"));
     QList<OrvaneWinUI::ClubChoice> clubs;

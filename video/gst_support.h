@@ -9,9 +9,6 @@
 
 #include "video/result_codes.h"
 
-// X window id (or other native handle) that a video sink draws into.
-using WindowHandle = guintptr;
-
 // Initialises GStreamer once for the process; safe to call from any thread.
 bool EnsureGStreamer();
 

@@ -61,11 +61,6 @@ bool PlayerWnd::SetWindowInstance(QWidget* owner) {
         m_hParent = owner;
         m_hWnd = new VideoWindow(owner);
         m_hWnd->setObjectName("Recording_Player_Window_Class");
-        m_hWnd->SetRepaintHandler([this] {
-            if (m_pPlayer) {
-                m_pPlayer->Repaint();
-            }
-        });
         made = true;
     });
     return made;
@@ -89,7 +84,7 @@ bool PlayerWnd::CreateOnUiThread() {
         QMetaObject::invokeMethod(
             window, [this, serial, event] { OnPlayerEvent(serial, event); }, Qt::QueuedConnection);
     };
-    CPlayer::CreateInstance(m_hWnd->VideoHandle(), kPlayerWindowSize, poster, &m_pPlayer);
+    CPlayer::CreateInstance(m_hWnd, kPlayerWindowSize, poster, &m_pPlayer);
     return m_pPlayer != nullptr;
 }
 
