@@ -163,6 +163,7 @@ HRESULT CaptureManager::FinishRecordingLocked() {
         tapRecording_.reset();
     }
     m_pRecording.reset();
+    ReturnFreedMemory();
     return hr;
 }
 

@@ -50,6 +50,11 @@ GstElement* NewPipeline(const char* name, GstBusSyncHandler handler, gpointer da
 // detaches its handler, releases it and clears the pointer.
 void DisposePipeline(GstElement*& pipeline);
 
+// Gives the memory that a finished clip's streaming threads freed back to the
+// system. Their allocator arenas keep it otherwise, and each clip's threads
+// may land on another arena: a long session would hold the peak of each.
+void ReturnFreedMemory();
+
 // The result code for an error reported on a bus.
 HRESULT ResultFromError(const GError* error);
 

@@ -130,6 +130,7 @@ void PlayerWnd::ReleasePlayer() {
     }
     m_pPlayer->ShutdownSession();
     m_pPlayer.reset();
+    ReturnFreedMemory();
 }
 
 bool PlayerWnd::HasPlayer() {

@@ -187,9 +187,10 @@ int main(int argc, char** argv) {
             std::to_string(last.threads) + " / " + std::to_string(last.descriptors),
         "equal", first.threads == last.threads && first.descriptors == last.descriptors);
 
-    dialog.reset();
+    // As the window's closing does: the session first, then the window and its video.
     TTS_DeInit();
     Orvane::OrvManager::ReleaseInstance();
     OrvSettings::ReleaseInstance();
+    dialog.reset();
     return 0;
 }

@@ -49,14 +49,6 @@ std::map<std::string, int> LiveObjects() {
     return live;
 }
 
-std::string Describe(const std::map<std::string, int>& objects) {
-    std::string text;
-    for (const auto& [type, count] : objects) {
-        text += type + " " + std::to_string(count) + "\n";
-    }
-    return text;
-}
-
 TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
     orv::test::TempDir dir;
     const std::string clip = (dir.path() / "swing.mp4").string();
@@ -86,9 +78,10 @@ TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
     for (int i = 0; i < 50; ++i) {
         replay(i);
     }
-    EXPECT_EQ(LiveObjects(), objects) << "before:\n"
-                                      << Describe(objects) << "after:\n"
-                                      << Describe(LiveObjects());
+    const std::map<std::string, int> left = LiveObjects();
+    for (const auto& [type, count] : left) {
+        EXPECT_LE(count, objects.count(type) ? objects.at(type) : 0) << type;
+    }
     EXPECT_EQ(orv::test::OpenFdCount(), fds);
     // Idle streaming threads of GStreamer's pool end after a while.
     EXPECT_TRUE(PumpUntil([&] { return orv::test::ThreadCount() <= threads; }, 30s))
