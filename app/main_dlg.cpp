@@ -28,6 +28,7 @@
 #include "ui/shot_panel.h"
 #include "ui/status_label.h"
 #include "ui/ui_theme.h"
+#include "video/window_placement.h"
 
 namespace orv {
 
@@ -81,8 +82,8 @@ bool CMainDlg::OnInitDialog() {
 
     // Centred in the work area at the fixed size.
     const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    setGeometry(area.x() + (area.width() - kWidth) / 2, area.y() + (area.height() - kHeight) / 2,
-                kWidth, kHeight);
+    setGeometry(PlaceInWorkArea(area, {(area.width() - kWidth) / 2, (area.height() - kHeight) / 2},
+                                {kWidth, kHeight}));
 
     control_->SetClubs(ClubChoices());
     OnE6StateChanged(0);

@@ -34,7 +34,7 @@ CaptureManager::~CaptureManager() {
     }
 }
 
-HRESULT CaptureManager::InitializeCaptureManager(WindowHandle previewWindow, void*) {
+HRESULT CaptureManager::InitializeCaptureManager(FrameTarget* previewWindow, void*) {
     ReleaseEngine();
     std::lock_guard lock(engineMutex_);
     m_hPreviewWindow = previewWindow;
@@ -64,7 +64,7 @@ HRESULT CaptureManager::StartPreview() {
     if (previewPlaying_) {
         return S_OK;
     }
-    if (m_hPreviewWindow == 0) {
+    if (m_hPreviewWindow == nullptr) {
         return MF_E_NOT_INITIALIZED;
     }
     if (!m_pEngine->HasPreview()) {
@@ -163,6 +163,7 @@ HRESULT CaptureManager::FinishRecordingLocked() {
         tapRecording_.reset();
     }
     m_pRecording.reset();
+    ReturnFreedMemory();
     return hr;
 }
 
@@ -226,14 +227,6 @@ void CaptureManager::ReleaseEngine() {
     // The desktop may go idle again once the camera is off.
     m_power.Release();
     m_bPowerRequestActive = false;
-}
-
-void CaptureManager::UpdateVideo() {
-    // Painting must not wait for a recording being finalised.
-    std::unique_lock lock(engineMutex_, std::try_to_lock);
-    if (lock.owns_lock() && m_pEngine) {
-        m_pEngine->Expose();
-    }
 }
 
 uint64_t CaptureManager::PreviewFrames() {

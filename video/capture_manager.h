@@ -12,6 +12,7 @@
 #include <string>
 
 #include "video/camera_source.h"
+#include "video/frame_sink.h"
 #include "video/gst_support.h"
 #include "video/idle_inhibitor.h"
 #include "video/microphone_source.h"
@@ -57,7 +58,7 @@ public:
     CaptureManager(const CaptureManager&) = delete;
     CaptureManager& operator=(const CaptureManager&) = delete;
 
-    HRESULT InitializeCaptureManager(WindowHandle previewWindow, void* unused = nullptr);
+    HRESULT InitializeCaptureManager(FrameTarget* previewWindow, void* unused = nullptr);
     HRESULT StartPreview();
     HRESULT StartRecord(const std::string& path);
     // Stops the running recording; returns once its file is finalised (or
@@ -72,8 +73,6 @@ public:
     bool IsRecording() const { return m_bRecording.load(); }
     bool IsPowerRequestActive() const { return m_bPowerRequestActive.load(); }
     float SavedMicLevel() const { return m_fSavedMicLevel; }
-    // The preview window was uncovered: redraw the last frame.
-    void UpdateVideo();
     // Frames drawn into the preview window so far.
     uint64_t PreviewFrames();
 
@@ -91,7 +90,7 @@ private:
 
     // Guards the engine, the recording and the preview window below.
     std::mutex engineMutex_;
-    WindowHandle m_hPreviewWindow = 0;
+    FrameTarget* m_hPreviewWindow = nullptr;
     std::unique_ptr<PreviewPipeline> m_pEngine;
     bool previewPlaying_ = false;
     std::shared_ptr<RecordingPipeline> m_pRecording;

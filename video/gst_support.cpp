@@ -1,5 +1,7 @@
 #include "video/gst_support.h"
 
+#include <malloc.h>
+
 #include "common/debug_log.h"
 
 bool EnsureGStreamer() {
@@ -62,6 +64,10 @@ void DisposePipeline(GstElement*& pipeline) {
     SetSyncHandler(pipeline, nullptr, nullptr);
     gst_object_unref(pipeline);
     pipeline = nullptr;
+}
+
+void ReturnFreedMemory() {
+    malloc_trim(0);
 }
 
 HRESULT ResultFromError(const GError* error) {

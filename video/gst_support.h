@@ -9,9 +9,6 @@
 
 #include "video/result_codes.h"
 
-// X window id (or other native handle) that a video sink draws into.
-using WindowHandle = guintptr;
-
 // Initialises GStreamer once for the process; safe to call from any thread.
 bool EnsureGStreamer();
 
@@ -52,6 +49,11 @@ GstElement* NewPipeline(const char* name, GstBusSyncHandler handler, gpointer da
 // Stops the pipeline (its streaming threads are gone when this returns),
 // detaches its handler, releases it and clears the pointer.
 void DisposePipeline(GstElement*& pipeline);
+
+// Gives the memory that a finished clip's streaming threads freed back to the
+// system. Their allocator arenas keep it otherwise, and each clip's threads
+// may land on another arena: a long session would hold the peak of each.
+void ReturnFreedMemory();
 
 // The result code for an error reported on a bus.
 HRESULT ResultFromError(const GError* error);

@@ -1,7 +1,5 @@
 #include "video/player.h"
 
-#include <gst/video/videooverlay.h>
-
 #include "common/debug_log.h"
 
 namespace {
@@ -21,10 +19,10 @@ void PreferOpenH264Decoder() {
 
 }  // namespace
 
-CPlayer::CPlayer(WindowHandle videoWindow, FrameSize videoSize, EventPoster poster)
+CPlayer::CPlayer(FrameTarget* videoWindow, FrameSize videoSize, EventPoster poster)
     : m_hVideoWindow(videoWindow), videoSize_(videoSize), poster_(std::move(poster)) {}
 
-HRESULT CPlayer::CreateInstance(WindowHandle videoWindow, FrameSize videoSize, EventPoster poster,
+HRESULT CPlayer::CreateInstance(FrameTarget* videoWindow, FrameSize videoSize, EventPoster poster,
                                 std::unique_ptr<CPlayer>* player) {
     if (player == nullptr) {
         return E_POINTER;
@@ -56,7 +54,7 @@ HRESULT CPlayer::CreateSession() {
 GstElement* CPlayer::CreateVideoOutput() {
     GstElement* scale = MakeElement("videoconvertscale", nullptr);
     GstElement* size = MakeElement("capsfilter", nullptr);
-    GstElement* sink = MakeElement("ximagesink", "player-sink");
+    GstElement* sink = MakeFrameSink("player-sink", m_hVideoWindow, true);
     if (scale == nullptr || size == nullptr || sink == nullptr) {
         for (GstElement* e : {scale, size, sink}) {
             if (e != nullptr) {
@@ -65,15 +63,13 @@ GstElement* CPlayer::CreateVideoOutput() {
         }
         return nullptr;
     }
-    // ximagesink does not scale: the picture arrives at the window's size,
-    // letter-boxed in black.
+    // Scaled here, on a streaming thread, to the window's size and
+    // letter-boxed in black: the window only copies it to the screen.
     GstCapsPtr caps(gst_caps_new_simple("video/x-raw", "width", G_TYPE_INT, videoSize_.width,
                                         "height", G_TYPE_INT, videoSize_.height,
                                         "pixel-aspect-ratio", GST_TYPE_FRACTION, 1, 1, nullptr));
     g_object_set(scale, "add-borders", TRUE, nullptr);
     g_object_set(size, "caps", caps.get(), nullptr);
-    g_object_set(sink, "handle-events", FALSE, nullptr);
-    gst_video_overlay_set_window_handle(GST_VIDEO_OVERLAY(sink), m_hVideoWindow);
     GstElement* bin = gst_bin_new("video-output");
     GstPtr<GstPad> pad(gst_element_get_static_pad(scale, "sink"));
     if (!AddAndLink(GST_BIN(bin), {scale, size, sink}) ||
@@ -81,7 +77,6 @@ GstElement* CPlayer::CreateVideoOutput() {
         gst_object_unref(gst_object_ref_sink(bin));
         return nullptr;
     }
-    videoSink_ = sink;
     return bin;
 }
 
@@ -206,17 +201,10 @@ HRESULT CPlayer::Stop() {
     return ChangeState(GST_STATE_READY, PlayerState::Stopped);
 }
 
-void CPlayer::Repaint() {
-    if (videoSink_ != nullptr) {
-        gst_video_overlay_expose(GST_VIDEO_OVERLAY(videoSink_));
-    }
-}
-
 HRESULT CPlayer::ShutdownSession() {
     if (m_pMediaSession != nullptr) {
         m_nState = PlayerState::Closing;
         DisposePipeline(m_pMediaSession);
-        videoSink_ = nullptr;
     }
     m_fCurrentRate = 0.0f;
     m_nState = PlayerState::Closed;

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <string>
 
+#include "video/frame_sink.h"
 #include "video/frame_size.h"
 #include "video/gst_support.h"
 #include "video/result_codes.h"
@@ -49,7 +50,7 @@ public:
 
     // `videoSize` is the window's size: the picture is scaled into it with
     // black borders.
-    static HRESULT CreateInstance(WindowHandle videoWindow, FrameSize videoSize, EventPoster poster,
+    static HRESULT CreateInstance(FrameTarget* videoWindow, FrameSize videoSize, EventPoster poster,
                                   std::unique_ptr<CPlayer>* player);
     ~CPlayer();
     CPlayer(const CPlayer&) = delete;
@@ -63,14 +64,12 @@ public:
     HRESULT Pause();
     // Stops playback where it is (state Stopped); the session stays open.
     HRESULT Stop();
-    // Redraws the last frame.
-    void Repaint();
 
     PlayerState GetState() const { return m_nState.load(); }
     float CurrentRate() const { return m_fCurrentRate; }
 
 private:
-    CPlayer(WindowHandle videoWindow, FrameSize videoSize, EventPoster poster);
+    CPlayer(FrameTarget* videoWindow, FrameSize videoSize, EventPoster poster);
 
     HRESULT CreateSession();
     HRESULT ChangeState(GstState target, PlayerState reached);
@@ -81,14 +80,13 @@ private:
     void Post(int type, HRESULT status);
     static GstBusSyncReply OnBusMessage(GstBus* bus, GstMessage* message, gpointer self);
 
-    const WindowHandle m_hVideoWindow;
+    FrameTarget* const m_hVideoWindow;
     const FrameSize videoSize_;
     // Guards the poster's use by streaming threads against its setting-up
     // (GLib's own locks are invisible to the thread sanitizer).
     std::mutex posterMutex_;
     const EventPoster poster_;
     GstElement* m_pMediaSession = nullptr;  // playbin
-    GstElement* videoSink_ = nullptr;       // owned by the session
     std::atomic<PlayerState> m_nState{PlayerState::Closed};
     std::atomic<uint64_t> session_{0};
     float m_fCurrentRate = 0.0f;

@@ -64,11 +64,6 @@ bool PlayerWnd::SetWindowInstance(QWidget* owner) {
         m_hWnd->setObjectName("Recording_Player_Window_Class");
         // Named for window switchers and screen readers; the window has no frame.
         m_hWnd->setWindowTitle(QCoreApplication::translate("PlayerWnd", "Swing replay"));
-        m_hWnd->SetRepaintHandler([this] {
-            if (m_pPlayer) {
-                m_pPlayer->Repaint();
-            }
-        });
         made = true;
     });
     return made;
@@ -92,7 +87,7 @@ bool PlayerWnd::CreateOnUiThread() {
         QMetaObject::invokeMethod(
             window, [this, serial, event] { OnPlayerEvent(serial, event); }, Qt::QueuedConnection);
     };
-    CPlayer::CreateInstance(m_hWnd->VideoHandle(), kPlayerWindowSize, poster, &m_pPlayer);
+    CPlayer::CreateInstance(m_hWnd, kPlayerWindowSize, poster, &m_pPlayer);
     return m_pPlayer != nullptr;
 }
 
@@ -138,6 +133,7 @@ void PlayerWnd::ReleasePlayer() {
     }
     m_pPlayer->ShutdownSession();
     m_pPlayer.reset();
+    ReturnFreedMemory();
 }
 
 bool PlayerWnd::HasPlayer() {

@@ -1,7 +1,6 @@
 #include "video/preview_pipeline.h"
 
 #include <gst/app/gstappsink.h>
-#include <gst/video/videooverlay.h>
 
 #include "common/debug_log.h"
 
@@ -27,21 +26,6 @@ HRESULT PreviewPipeline::Create(const CameraSource& camera) {
     return S_OK;
 }
 
-GstElement* PreviewPipeline::MakePreviewSink(WindowHandle window) {
-    // ximagesink works on any X server (Xv is often missing, e.g. under Xvfb);
-    // the picture is already at window size, so it needs no scaling.
-    GstElement* sink = MakeElement("ximagesink", "preview-sink");
-    if (sink == nullptr) {
-        return nullptr;
-    }
-    // The window's events belong to the toolkit; it asks for redraws itself.
-    g_object_set(sink, "sync", FALSE, "handle-events", FALSE, "qos", FALSE, nullptr);
-    gst_video_overlay_set_window_handle(GST_VIDEO_OVERLAY(sink), window);
-    GstPtr<GstPad> pad(gst_element_get_static_pad(sink, "sink"));
-    gst_pad_add_probe(pad.get(), GST_PAD_PROBE_TYPE_BUFFER, OnFrameShown, this, nullptr);
-    return sink;
-}
-
 GstElement* PreviewPipeline::MakeTap() {
     GstElement* tap = MakeElement("appsink", "record-tap");
     if (tap == nullptr) {
@@ -53,7 +37,7 @@ GstElement* PreviewPipeline::MakeTap() {
     return tap;
 }
 
-HRESULT PreviewPipeline::AddPreview(WindowHandle window, FrameSize size) {
+HRESULT PreviewPipeline::AddPreview(FrameTarget* window, FrameSize size) {
     if (pipeline_ == nullptr) {
         return MF_E_NOT_INITIALIZED;
     }
@@ -62,7 +46,8 @@ HRESULT PreviewPipeline::AddPreview(WindowHandle window, FrameSize size) {
     GstElement* tee = MakeElement("tee", "split");
     GstElement* showQueue = MakeElement("queue", "preview-queue");
     GstElement* convert = MakeElement("videoconvert", "preview-convert");
-    GstElement* sink = MakePreviewSink(window);
+    // Live frames are shown as they come: waiting for their time only adds delay.
+    GstElement* sink = MakeFrameSink("preview-sink", window, false, &framesShown_);
     GstElement* tapQueue = MakeElement("queue", "tap-queue");
     GstElement* tap = MakeTap();
     if (!scale || !format || !tee || !showQueue || !convert || !sink || !tapQueue || !tap) {
@@ -114,12 +99,6 @@ void PreviewPipeline::Stop() {
     sink_ = nullptr;
 }
 
-void PreviewPipeline::Expose() {
-    if (sink_ != nullptr) {
-        gst_video_overlay_expose(GST_VIDEO_OVERLAY(sink_));
-    }
-}
-
 GstBusSyncReply PreviewPipeline::OnBusMessage(GstBus*, GstMessage* message, gpointer self) {
     auto* preview = static_cast<PreviewPipeline*>(self);
     std::lock_guard lock(preview->callbackMutex_);
@@ -164,9 +143,4 @@ GstFlowReturn PreviewPipeline::OnTapSample(GstElement* sink, gpointer self) {
     }
     gst_sample_unref(sample);
     return GST_FLOW_OK;
-}
-
-GstPadProbeReturn PreviewPipeline::OnFrameShown(GstPad*, GstPadProbeInfo*, gpointer self) {
-    static_cast<PreviewPipeline*>(self)->framesShown_.fetch_add(1);
-    return GST_PAD_PROBE_OK;
 }

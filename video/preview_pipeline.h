@@ -12,6 +12,7 @@
 #include <string>
 
 #include "video/camera_source.h"
+#include "video/frame_sink.h"
 #include "video/frame_size.h"
 #include "video/gst_support.h"
 
@@ -32,21 +33,17 @@ public:
     // The pipeline with the camera in it.
     HRESULT Create(const CameraSource& camera);
     // Scaling to `size`, the tee, the window branch and the recording tap.
-    HRESULT AddPreview(WindowHandle window, FrameSize size);
+    HRESULT AddPreview(FrameTarget* window, FrameSize size);
     bool HasPreview() const { return sink_ != nullptr; }
     HRESULT Play();
     // Ends the pipeline; its streaming threads are gone when this returns.
     void Stop();
-    // Redraws the last frame (the window was uncovered).
-    void Expose();
 
     uint64_t FramesShown() const { return framesShown_.load(); }
 
 private:
     static GstBusSyncReply OnBusMessage(GstBus* bus, GstMessage* message, gpointer self);
     static GstFlowReturn OnTapSample(GstElement* sink, gpointer self);
-    static GstPadProbeReturn OnFrameShown(GstPad* pad, GstPadProbeInfo* info, gpointer self);
-    GstElement* MakePreviewSink(WindowHandle window);
     GstElement* MakeTap();
 
     // Guards the use of callbacks_ by streaming threads against their setting-up

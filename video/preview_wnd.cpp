@@ -40,14 +40,11 @@ bool PreviewWnd::Create(QWidget* owner) {
     m_hWnd->setObjectName("Capture_Engine_Preview_Window_Class");
     // Named for window switchers and screen readers; the window has no frame.
     m_hWnd->setWindowTitle(QCoreApplication::translate("PreviewWnd", "Camera preview"));
-    const WindowHandle handle = m_hWnd->VideoHandle();
     m_pCaptureManager = std::make_unique<CaptureManager>(sources_, timing_);
-    if (Failed(m_pCaptureManager->InitializeCaptureManager(handle))) {
+    if (Failed(m_pCaptureManager->InitializeCaptureManager(m_hWnd))) {
         ReleaseCaptureManager();
         return false;
     }
-    CaptureManager* capture = m_pCaptureManager.get();
-    m_hWnd->SetRepaintHandler([capture] { capture->UpdateVideo(); });
     return true;
 }
 
@@ -57,7 +54,7 @@ bool PreviewWnd::StartPreview(int showCommand) {
     }
     const HRESULT hr = m_pCaptureManager->StartPreview();
     const QScreen* screen = QGuiApplication::primaryScreen();
-    const QSize workArea = screen != nullptr ? screen->availableGeometry().size() : QSize();
+    const QRect workArea = screen != nullptr ? screen->availableGeometry() : QRect();
     const FrameSize frame = CachedPreferredFrameSize();
     LOG_INFO_AS("GetPreferredRecordingSize", "GetPreferredRecordingSize: %d, %d\n", frame.width,
                 frame.height);

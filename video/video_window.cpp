@@ -1,63 +1,64 @@
 #include "video/video_window.h"
 
-#include <QGuiApplication>
+#include <QMetaObject>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWindow>
 
-// Painted by the video sink alone: no paint engine, no background, so the
-// toolkit's back buffer never covers the picture.
-class VideoWindow::VideoArea : public QWidget {
-public:
-    explicit VideoArea(QWidget* parent) : QWidget(parent) {
-        setAttribute(Qt::WA_NativeWindow);
-        setAttribute(Qt::WA_PaintOnScreen);
-        setAttribute(Qt::WA_NoSystemBackground);
-        setAttribute(Qt::WA_OpaquePaintEvent);
-    }
-
-    QPaintEngine* paintEngine() const override { return nullptr; }
-
-    std::function<void()> onExpose;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        if (onExpose) {
-            onExpose();
-        }
-    }
-};
-
 VideoWindow::VideoWindow(QWidget* owner)
-    : QWidget(owner, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
-      area_(new VideoArea(this)) {
+    : QWidget(owner, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint) {
     setAttribute(Qt::WA_OpaquePaintEvent);
-    area_->hide();
 }
 
-WindowHandle VideoWindow::VideoHandle() {
-    const WindowHandle handle = area_->winId();
-    // The sink talks to the X server over its own connection: the window must
-    // exist there before the sink sees its id.
-    QGuiApplication::sync();
-    return handle;
+void VideoWindow::PresentFrame(QImage frame) {
+    {
+        std::lock_guard lock(frameMutex_);
+        if (!videoVisible_) {
+            return;
+        }
+        frame_ = std::move(frame);
+        // One repaint in flight is enough: it paints whatever is newest then.
+        if (repaintPosted_) {
+            return;
+        }
+        repaintPosted_ = true;
+    }
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            {
+                std::lock_guard lock(frameMutex_);
+                repaintPosted_ = false;
+            }
+            // A hidden window paints nothing now; the newest frame shows when it is shown.
+            update();
+        },
+        Qt::QueuedConnection);
 }
 
 void VideoWindow::SetVideoVisible(bool visible) {
-    area_->setVisible(visible);
-}
-
-void VideoWindow::SetRepaintHandler(std::function<void()> handler) {
-    area_->onExpose = std::move(handler);
+    {
+        std::lock_guard lock(frameMutex_);
+        videoVisible_ = visible;
+        if (!visible) {
+            frame_ = QImage();  // the memory goes with the picture
+        }
+    }
+    update();
 }
 
 void VideoWindow::paintEvent(QPaintEvent* event) {
+    QImage frame;
+    {
+        std::lock_guard lock(frameMutex_);
+        frame = frame_;  // shared, not copied
+    }
     QPainter painter(this);
-    painter.fillRect(event->rect(), Qt::black);
-}
-
-void VideoWindow::resizeEvent(QResizeEvent*) {
-    area_->setGeometry(rect());
+    if (frame.isNull()) {
+        painter.fillRect(event->rect(), Qt::black);
+        return;
+    }
+    painter.drawImage(rect(), frame);
 }
 
 void VideoWindow::mousePressEvent(QMouseEvent* event) {

@@ -1,39 +1,40 @@
 // The frameless, always-on-top pop-up that carries a video: black where no
-// picture is drawn, moved by dragging the picture. GStreamer draws into a
-// native child window through the video-overlay interface; the toolkit never
-// paints over it.
+// picture is drawn, moved by dragging the picture. Frames come from a
+// pipeline as images and are painted by the toolkit, so no native window id
+// is involved (X11, Wayland and off-screen platforms alike).
 #pragma once
 
+#include <QImage>
 #include <QPoint>
 #include <QWidget>
 
-#include <functional>
+#include <mutex>
 
-#include "video/gst_support.h"
+#include "video/frame_sink.h"
 
-class VideoWindow : public QWidget {
+class VideoWindow : public QWidget, public FrameTarget {
 public:
     explicit VideoWindow(QWidget* owner = nullptr);
 
-    // The native window that a video sink draws into; created on first use
-    // and known to the X server when this returns.
-    WindowHandle VideoHandle();
-    // Shows the drawing area (a sink draws) or hides it (black).
+    // Any thread: keeps the newest frame and asks for one repaint. Callers
+    // end before the window goes.
+    void PresentFrame(QImage frame) override;
+    // Shows the frames (true) or black (false, the last frame is dropped).
     void SetVideoVisible(bool visible);
-    // Called when the drawing area was uncovered and needs the last frame again.
-    void SetRepaintHandler(std::function<void()> handler);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    class VideoArea;
+    // Guards the frame slot below, filled by streaming threads.
+    std::mutex frameMutex_;
+    QImage frame_;
+    bool repaintPosted_ = false;
+    bool videoVisible_ = false;
 
-    VideoArea* area_;
     bool dragging_ = false;
     QPoint dragOffset_;
 };

@@ -1,8 +1,13 @@
 #include "video/window_placement.h"
 
-QRect PreviewPlacement(QSize workArea, FrameSize frame) {
-    return {workArea.width() - frame.width - 10, workArea.height() / 2 + 10, frame.width,
-            frame.height};
+QRect PlaceInWorkArea(const QRect& workArea, QPoint offset, QSize size) {
+    return {workArea.topLeft() + offset, size};
+}
+
+QRect PreviewPlacement(const QRect& workArea, FrameSize frame) {
+    return PlaceInWorkArea(workArea,
+                           {workArea.width() - frame.width - 10, workArea.height() / 2 + 10},
+                           {frame.width, frame.height});
 }
 
 QRect PlayerPlacement(QSize screen) {

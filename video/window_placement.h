@@ -1,14 +1,19 @@
-// Where the two video pop-ups go, from the screen's size.
+// Where the windows go, from the screen's size or its work area.
 #pragma once
 
+#include <QPoint>
 #include <QRect>
 #include <QSize>
 
 #include "video/frame_size.h"
 
+// `size` at `offset` from the work area's top-left corner: the work area need
+// not start at the screen's origin (a panel on the left or at the top).
+QRect PlaceInWorkArea(const QRect& workArea, QPoint offset, QSize size);
+
 // Right of the work area's middle, 10 pixels in from its right edge and 10
 // below its middle, at the preview's size.
-QRect PreviewPlacement(QSize workArea, FrameSize frame);
+QRect PreviewPlacement(const QRect& workArea, FrameSize frame);
 
 constexpr FrameSize kPlayerWindowSize{798, 398};
 

@@ -56,9 +56,11 @@ TEST(ContainerTest, OnlyLowerCaseMp4IsWritten) {
 }
 
 TEST(WindowPlacementTest, PreviewSitsRightOfTheWorkAreasMiddle) {
-    EXPECT_EQ(PreviewPlacement({1280, 1024}, {320, 240}), QRect(950, 522, 320, 240));
-    EXPECT_EQ(PreviewPlacement({1920, 1050}, {320, 180}), QRect(1590, 535, 320, 180));
-    EXPECT_EQ(PreviewPlacement({1366, 767}, {320, 240}), QRect(1036, 393, 320, 240));
+    EXPECT_EQ(PreviewPlacement({0, 0, 1280, 1024}, {320, 240}), QRect(950, 522, 320, 240));
+    EXPECT_EQ(PreviewPlacement({0, 0, 1920, 1050}, {320, 180}), QRect(1590, 535, 320, 180));
+    EXPECT_EQ(PreviewPlacement({0, 0, 1366, 767}, {320, 240}), QRect(1036, 393, 320, 240));
+    // A panel on the left and one on top move the work area's origin.
+    EXPECT_EQ(PreviewPlacement({64, 32, 1216, 992}, {320, 240}), QRect(950, 538, 320, 240));
 }
 
 TEST(WindowPlacementTest, PlayerSitsInAFixedPlaceOfACentredArea) {
