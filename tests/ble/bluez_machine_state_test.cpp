@@ -18,11 +18,9 @@ using orv::test::FakeDeviceConfig;
 using States = std::vector<int32_t>;
 
 FakeDeviceConfig Sensor() {
-    FakeDeviceConfig config;
-    config.address = "C0:DE:5E:45:00:01";
-    config.name = "orvane-demo";
-    config.sensor = QuickSensor("orvane-demo");
-    return config;
+    return {.address = "C0:DE:5E:45:00:01",
+            .name = "orvane-demo",
+            .sensor = QuickSensor("orvane-demo")};
 }
 
 // A fresh bluetoothd with one adapter per case; the wrapper starts last.
@@ -97,11 +95,8 @@ TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     FakeDeviceConfig config = Sensor();
     config.pairing = orv::test::FakePairing::Passkey;
     FakeDevice& sensor = machine.bluez.AddDevice(config);
-    FakeDeviceConfig other;
-    other.address = "C0:DE:5E:45:00:99";
-    other.name = "headset";
-    other.known = true;
-    FakeDevice& headset = machine.bluez.AddDevice(other);
+    FakeDevice& headset =
+        machine.bluez.AddDevice({.address = "C0:DE:5E:45:00:99", .name = "headset", .known = true});
     LogCapture log;
     ASSERT_TRUE(machine.Start(3s));
     ASSERT_TRUE(Eventually([&] { return machine.wrapper->GetState() == 3; }));
@@ -110,20 +105,22 @@ TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     const std::string rejected = "org.bluez.Error.Rejected";
     struct Case {
         const char* method;
-        std::string sensorError;
-        std::string sensorValue;
+        orv::test::FakeBus::AgentAnswer sensor;  // error, value
     };
     const Case cases[] = {
-        {"RequestPasskey", "", "482913"},   {"RequestPinCode", "", "7316"},
-        {"RequestConfirmation", "", ""},    {"RequestAuthorization", "", ""},
-        {"AuthorizeService", rejected, ""},  // the sensor needs no service of ours
-        {"DisplayPasskey", "", ""},         {"DisplayPinCode", "", ""},
+        {"RequestPasskey", {"", "482913"}},
+        {"RequestPinCode", {"", "7316"}},
+        {"RequestConfirmation", {}},
+        {"RequestAuthorization", {}},
+        {"AuthorizeService", {rejected, ""}},  // the sensor needs no service of ours
+        {"DisplayPasskey", {}},
+        {"DisplayPinCode", {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.method);
         const auto forSensor = machine.bluez.AskAgent(sensor, c.method);
-        EXPECT_EQ(forSensor.error, c.sensorError);
-        EXPECT_EQ(forSensor.value, c.sensorValue);
+        EXPECT_EQ(forSensor.error, c.sensor.error);
+        EXPECT_EQ(forSensor.value, c.sensor.value);
         EXPECT_EQ(machine.bluez.AskAgent(headset, c.method).error, rejected);
     }
     EXPECT_EQ(CountOf(log.Text(), " refused, device:c0de5e450099\n"), 7u);

@@ -35,10 +35,10 @@ enum class FakePairing { None, Passkey, PinCode, Confirmation };
 struct FakeDeviceConfig {
     std::string address;              // "C0:DE:5E:45:00:01"
     std::optional<std::string> name;  // absent: only the Alias is there
-    std::string alias;                // empty: the name, else the address with '-'
+    std::string alias{};              // empty: the name, else the address with '-'
     std::vector<FakeService> services = SensorServices();
-    std::shared_ptr<VirtualSensor> sensor;    // may be null
-    std::string connectError;                 // Connect fails with this D-Bus error
+    std::shared_ptr<VirtualSensor> sensor{};  // may be null
+    std::string connectError{};               // Connect fails with this D-Bus error
     FakePairing pairing = FakePairing::None;  // asked of the agent on Connect
     bool resolveServices = true;              // false: ServicesResolved never comes
     bool known = false;                       // in GetManagedObjects from the start
