@@ -136,16 +136,5 @@ TEST(Program, DebugSwitchesChooseTaggedLinesDumpsAndTheLogFile) {
     }
 }
 
-TEST(Program, ASecondStartLeavesTheFirstRunning) {
-    TempDir home;
-    Program first(home, {"-console", "-demo"});
-    ASSERT_TRUE(first.WaitForOutput("Orvane X "));
-    Program second(home, {"-console", "-demo"}, "second.txt");
-    EXPECT_EQ(second.Wait(), 0);
-    EXPECT_NE(second.Output().find("Orvane X is already running.\n"), std::string::npos);
-    EXPECT_TRUE(first.WaitForOutput("Sensor: connected"));
-    EXPECT_EQ(first.Stop(SIGTERM), 0);
-}
-
 }  // namespace
 }  // namespace orv::test

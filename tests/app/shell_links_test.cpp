@@ -72,39 +72,6 @@ TEST(HelpLinks, PagesAndQuestions) {
     EXPECT_EQ(browser.opened.back(), "https://www.orvane.invalid/firmware/");
 }
 
-TEST(Deployment, ProductDefaults) {
-    const orv::VersionCheckConfig config = orv::DefaultVersionCheckConfig();
-    EXPECT_FALSE(config.host.empty());
-    EXPECT_EQ(config.port, 9443);
-    EXPECT_EQ(config.timing.connect, 10s);
-    EXPECT_EQ(config.runningVersion, orv::GetVersion());
-    const std::string site = orv::DefaultWebSite();
-    EXPECT_EQ(site.rfind("https://", 0), 0u) << site;
-    EXPECT_NE(site.back(), '/');
-}
-
-TEST(SimulatorLauncher, StartsTheProgramInItsFolder) {
-    orv::test::GuiTestApp();
-    orv::test::TempDir dir;
-    EXPECT_EQ(orv::StartSimulator(""), orv::SimulatorStart::kNotInstalled);
-    EXPECT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kNotInstalled);
-
-    const auto program = dir.path() / "e6golf.exe";
-    std::ofstream(program) << "#!/bin/sh\npwd > started.txt\n";
-    chmod(program.c_str(), 0644);
-    EXPECT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kFailed);
-
-    chmod(program.c_str(), 0755);
-    ASSERT_EQ(orv::StartSimulator(dir.path().string()), orv::SimulatorStart::kStarted);
-    const auto marker = dir.path() / "started.txt";
-    std::string folder;
-    EXPECT_TRUE(orv::test::Eventually([&] {
-        std::ifstream in(marker);
-        return std::getline(in, folder) && !folder.empty();
-    }));
-    EXPECT_EQ(folder, dir.path().string());
-}
-
 TEST(VersionCheckWorker, ResultArrivesOnTheUiThread) {
     orv::test::GuiTestApp();
     orv::test::TempDir dir;
