@@ -154,29 +154,4 @@ TEST_F(VersionService, SlowServerIsCutOffByTheTimeLimit) {
     close(mute);
 }
 
-TEST_F(VersionService, NoServerAndUntrustedServerGiveNoAnswer) {
-    ASSERT_TRUE(server.ok());
-    server.Answer(Answer("9.9.9"));
-    orv::VersionCheckConfig closed = Config("1.0.0");
-    closed.port = orv::test::UnusedLoopbackPort();
-    EXPECT_EQ(orv::CheckVersion(closed).status, VersionCheckStatus::kNoAnswer);
-
-    // A server whose certificate this client does not trust is refused
-    // before any request is sent.
-    HttpsTestServer stranger(dir.path(), "stranger");
-    ASSERT_TRUE(stranger.ok());
-    stranger.Answer(Answer("9.9.9"));
-    orv::VersionCheckConfig config = Config("1.0.0");
-    config.port = stranger.port();
-    orv::test::StdoutCapture out;
-    EXPECT_EQ(orv::CheckVersion(config).status, VersionCheckStatus::kNoAnswer);
-    EXPECT_TRUE(orv::test::Eventually([&] { return stranger.Connections() == 1; }));
-    EXPECT_EQ(stranger.LastRequest(), "");
-    EXPECT_NE(out.Text().find("curl_easy_perform error:0x3c\n"), std::string::npos) << out.Text();
-
-    // The same server is accepted once its certificate is the trusted one.
-    config.caFile = stranger.caFile();
-    EXPECT_EQ(orv::CheckVersion(config).status, VersionCheckStatus::kOk);
-}
-
 }  // namespace

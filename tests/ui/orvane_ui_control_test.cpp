@@ -116,23 +116,6 @@ TEST_F(UiControl, RadioGroupsKeepTheirIndex) {
     EXPECT_TRUE(control.ckShowShotNo->IsChecked());
 }
 
-TEST_F(UiControl, WaitingDialogCoversWithoutBlocking) {
-    bool timerRan = false;
-    QTimer::singleShot(0, [&] { timerRan = true; });
-    control.ShowWaitingDlg();  // returns at once
-    EXPECT_TRUE(control.IsWaitingDlgShown());
-    EXPECT_TRUE(ProcessEventsUntil([&] { return timerRan; }));
-    EXPECT_FALSE(ReceivesClicksAt(control.btnExit));
-    EXPECT_FALSE(ReceivesClicksAt(control.radioGroupClub->Choice(1)));
-
-    control.resize(1200, 760);  // the dialog resizes the control; the cover follows
-    EXPECT_TRUE(ProcessEventsUntil([&] { return control.waitingDlg->size() == control.size(); }));
-
-    control.HideWaitingDlg();
-    EXPECT_FALSE(control.IsWaitingDlgShown());
-    EXPECT_TRUE(ReceivesClicksAt(control.btnExit));
-}
-
 TEST_F(UiControl, ClubPickerAndLastShot) {
     QSignalSpy asked(&control, &OrvaneUIControl::ClubChangeRequested);
     control.SetClubs({{0x01, "Driver"}, {0x08, "7 Iron"}, {0x0F, "Putter"}});

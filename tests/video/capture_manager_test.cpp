@@ -24,12 +24,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using orv::test::CountOf;
+using orv::test::ProcessEventsUntil;
 using orv::test::PumpFor;
-using orv::test::PumpUntil;
 
-const bool kGui = (orv::test::UseGuiEnvironment(), true);
-
-struct CaptureTest : ::testing::Test {
+struct CaptureTest : orv::test::GuiTest {
     CaptureTest() { ShowLog(true, false); }
     ~CaptureTest() override { ShowLog(false, false); }
 
@@ -39,7 +37,8 @@ struct CaptureTest : ::testing::Test {
         auto preview = std::make_unique<PreviewWnd>(std::move(sources), timing);
         EXPECT_TRUE(preview->Create(nullptr));
         EXPECT_TRUE(preview->StartPreview(kShowWindow));
-        EXPECT_TRUE(PumpUntil([&] { return preview->GetCaptureManager()->IsPreviewActive(); }));
+        EXPECT_TRUE(
+            ProcessEventsUntil([&] { return preview->GetCaptureManager()->IsPreviewActive(); }));
         return preview;
     }
 
@@ -52,7 +51,7 @@ TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindow) {
     orv::test::StdoutCapture out;
     auto preview = StartPreview();
     CaptureManager* capture = preview->GetCaptureManager();
-    ASSERT_TRUE(PumpUntil([&] { return capture->PreviewFrames() > 5; }));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return capture->PreviewFrames() > 5; }));
     const QImage shot = orv::test::GrabScreen(preview->Window());
     EXPECT_EQ(shot.size(), QSize(320, 240));
     EXPECT_FALSE(orv::test::AllBlack(shot));
@@ -104,58 +103,6 @@ TEST_F(CaptureTest, RecordsAPlayableClipOfTheRecordedLength) {
 }  // namespace
 
 namespace {
-
-TEST_F(CaptureTest, EngineErrorTearsTheEngineDownAndKeepsTheClip) {
-    orv::test::StdoutCapture out;
-    auto preview = StartPreview();
-    CaptureManager* capture = preview->GetCaptureManager();
-    ASSERT_EQ(capture->StartRecord(Clip("cut.mp4")), S_OK);
-    PumpFor(500ms);
-    // As the engine's event thread does when the camera fails.
-    capture->OnCaptureEvent(CaptureEvent::EngineError, E_FAIL);
-    EXPECT_FALSE(capture->IsRecording());
-    EXPECT_FALSE(capture->IsPreviewActive());
-    EXPECT_EQ(capture->StartPreview(), MF_E_NOT_INITIALIZED);
-    EXPECT_EQ(capture->StartRecord(Clip("later.mp4")), MF_E_NOT_INITIALIZED);
-    EXPECT_TRUE(orv::test::DecodeVideo(Clip("cut.mp4")).ok);
-    EXPECT_EQ(CountOf(out.Text(), "Capture Engine error\n"), 1u);
-}
-
-TEST_F(CaptureTest, MicrophoneSoundIsRecordedAsAac) {
-    CaptureSources sources = orv::test::TestSources();
-    sources.microphone = MicrophoneSource::TestTone();
-    auto preview = StartPreview(std::move(sources));
-    CaptureManager* capture = preview->GetCaptureManager();
-    ASSERT_EQ(capture->StartRecord(Clip("sound.mp4")), S_OK);
-    PumpFor(1000ms);
-    ASSERT_EQ(capture->StopRecord(), S_OK);
-    const orv::test::ClipInfo clip = orv::test::Discover(Clip("sound.mp4"));
-    ASSERT_TRUE(clip.ok);
-    EXPECT_EQ(clip.videoCaps, "video/x-h264");
-    EXPECT_EQ(clip.audioCaps, "audio/mpeg");
-    EXPECT_NEAR(clip.seconds, 1.0, 0.35);
-}
-
-TEST_F(CaptureTest, FullDiskEndsTheRecordingWhileThePreviewGoesOn) {
-    orv::test::StdoutCapture out;
-    auto preview = StartPreview();
-    CaptureManager* capture = preview->GetCaptureManager();
-    // Every write to /dev/full fails with "no space left on device".
-    std::filesystem::create_symlink("/dev/full", Clip("full.mp4"));
-    ASSERT_EQ(capture->StartRecord(Clip("full.mp4")), S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return !capture->IsRecording(); }));
-    EXPECT_EQ(CountOf(out.Text(), "Recording write error:0x80070070"), 1u) << out.Text();
-    const uint64_t frames = capture->PreviewFrames();
-    EXPECT_TRUE(PumpUntil([&] { return capture->PreviewFrames() > frames + 15; }));
-    EXPECT_TRUE(capture->IsPreviewActive());
-    EXPECT_EQ(capture->StopRecord(), E_DISK_FULL);
-
-    // The next clip is recorded normally.
-    ASSERT_EQ(capture->StartRecord(Clip("after.mp4")), S_OK);
-    PumpFor(500ms);
-    EXPECT_EQ(capture->StopRecord(), S_OK);
-    EXPECT_TRUE(orv::test::DecodeVideo(Clip("after.mp4")).ok);
-}
 
 TEST_F(CaptureTest, ClipOfAKilledProgramPlaysUpToItsLastSecond) {
     const std::string path = Clip("killed.mp4");

@@ -20,17 +20,15 @@ namespace {
 
 using namespace std::chrono_literals;
 using orv::test::CountOf;
+using orv::test::ProcessEventsUntil;
 using orv::test::PumpFor;
-using orv::test::PumpUntil;
 using Clock = std::chrono::steady_clock;
-
-const bool kGui = (orv::test::UseGuiEnvironment(), true);
 
 double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-struct SwingRecorderTest : ::testing::Test {
+struct SwingRecorderTest : orv::test::GuiTest {
     SwingRecorderTest() : preview(orv::test::TestSources()) {
         ShowLog(true, false);
         EXPECT_TRUE(preview.Create(nullptr));
@@ -96,7 +94,7 @@ TEST_F(SwingRecorderTest, DelayedStopLetsTheClipRunTwoMoreSeconds) {
     recorder->StopRecording(2);
     EXPECT_LT(SecondsSince(start), 1.0);  // the caller does not wait
     EXPECT_TRUE(capture->IsRecording());
-    ASSERT_TRUE(PumpUntil([&] { return !capture->IsRecording(); }, 6s));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !capture->IsRecording(); }, 6s));
     EXPECT_NEAR(SecondsSince(start), 2.0, 0.5);
     const orv::test::ClipInfo clip = orv::test::Discover(Ring(0));
     ASSERT_TRUE(clip.ok);
@@ -115,7 +113,7 @@ TEST_F(SwingRecorderTest, WithRecordingOffNothingIsWrittenOrShown) {
     EXPECT_FALSE(PlayerWnd::GetInstance()->HasPlayer());
     // The preview runs on: recordings need it when the setting comes back.
     const uint64_t frames = capture->PreviewFrames();
-    EXPECT_TRUE(PumpUntil([&] { return capture->PreviewFrames() > frames + 5; }));
+    EXPECT_TRUE(ProcessEventsUntil([&] { return capture->PreviewFrames() > frames + 5; }));
 
     Orvane::SwingRecorder noCamera(dir.path(), nullptr, [] { return true; });
     EXPECT_FALSE(noCamera.IsRecordingAvailable());
@@ -132,19 +130,20 @@ TEST_F(SwingRecorderTest, ShowsTheLastClipFromASessionThread) {
         recorder->ShowRecordingFile();
         shown = true;
     });
-    ASSERT_TRUE(PumpUntil([&] { return shown.load(); }));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return shown.load(); }));
     session.join();
     EXPECT_FALSE(recorder->RecordingRequested());
     QWidget* window = PlayerWnd::GetInstance()->Window();
     EXPECT_TRUE(window->isVisible());
-    ASSERT_TRUE(PumpUntil([&] { return CountOf(out.Text(), "PlayerState::Started\n") > 0; }));
+    ASSERT_TRUE(
+        ProcessEventsUntil([&] { return CountOf(out.Text(), "PlayerState::Started\n") > 0; }));
 
     recorder->ShowRecordingFile();  // still showing: refused
     EXPECT_EQ(CountOf(out.Text(), "playerWnd->Create() false\n"), 1u);
 
     // A new swing closes the replay before it records.
     std::thread swing([&] { recorder->ClosePlayer(); });
-    ASSERT_TRUE(PumpUntil([&] { return !window->isVisible(); }));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !window->isVisible(); }));
     swing.join();
     EXPECT_FALSE(PlayerWnd::GetInstance()->HasPlayer());
     EXPECT_EQ(CountOf(out.Text(), "Show Recording File...\n"), 2u);
