@@ -1,7 +1,5 @@
 #include "session/orv_manager.h"
 
-#include "ble/bluez/make_bluez_stack.h"
-#include "ble/virtual/virtual_stack.h"
 #include "common/clock.h"
 #include "common/debug_log.h"
 #include "common/speech.h"
@@ -93,11 +91,8 @@ void OrvManager::StartOrvane() {
         recvWorker = std::make_unique<WorkerRecord>();
         recvWorker->thread = std::make_unique<std::thread>(&OrvManager::HandleRecvQ, this);
     }
-    if (gatt.load() == nullptr) {
-        std::unique_ptr<BleStack> stack = config.makeBleStack ? config.makeBleStack()
-                                          : config.demoMode   ? MakeDemoStack()
-                                                              : MakeBluezStack();
-        ownedGatt = std::make_unique<BtfrGattWrapper>(std::move(stack));
+    if (gatt.load() == nullptr && config.makeBleStack) {
+        ownedGatt = std::make_unique<BtfrGattWrapper>(config.makeBleStack());
         ownedGatt->SetOwner(this);
         ownedGatt->SetDeviceNameFilter(kDeviceNameFilter);
         ownedGatt->SetServiceUuid(GattUuid::Parse(kServiceUuid));

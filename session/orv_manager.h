@@ -28,12 +28,10 @@
 namespace Orvane {
 
 // How the manager reaches its two peers. The product uses the defaults;
-// tests and the demo mode point it elsewhere.
+// tests point it elsewhere.
 struct OrvManagerConfig {
-    // The sensor's stack; null means BlueZ on the system bus, or the
-    // in-process demo sensor in demo mode.
+    // The sensor's stack, chosen by the program; null means no sensor link.
     std::function<std::unique_ptr<BleStack>()> makeBleStack;
-    bool demoMode = false;
     // Empty means this computer's own first IPv4 address.
     std::string simulatorAddress;
     int simulatorPort = 2483;

@@ -33,17 +33,4 @@ TEST(StartupOptions, ExactSwitchesAnywhere) {
     EXPECT_FALSE(near.debug || near.debugPacket || near.debugFile || near.demo || near.console);
 }
 
-// Each case runs in a child process: the switches change the process's
-// standard output and log state for good.
-void RunIn(const std::filesystem::path& folder, std::initializer_list<const char*> args) {
-    ASSERT_EQ(chdir(folder.c_str()), 0);
-    if (!orv::ApplyStartupOptions(Parse(args))) {
-        std::_Exit(2);
-    }
-    LOG_INFO("Main Language: %d\n", 1033);
-    PrintRaw("[D] >> 0A 03\n");
-    std::fflush(stdout);
-    std::_Exit(IsShowLog() ? 10 : 0);
-}
-
 }  // namespace
