@@ -292,10 +292,11 @@ void OrvManager::HandleSwingInfo(const OrvDataSwingInfoModel& record) {
             "%f\n=====================================\n\n",
             clubData.ClubAngleFace, clubData.ClubAnglePath, clubData.ClubHeadSpeed);
     }
+    // Marked before sending: the simulator's disarm may come back before the send returns.
+    state->shotPending = true;
     if (!client->SendTruSimMessage(E6_GetSendShotJson())) {
         return;
     }
-    state->shotPending = true;
     SendSystemSetting(false);
 }
 
