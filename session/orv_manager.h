@@ -110,6 +110,10 @@ private:
 
     void HandleSendQ();
     void HandleRecvQ();
+    // The send and receive threads' loop: `handle` runs on each queued buffer
+    // with the queue's lock held, until the manager stops.
+    void ServeQueue(WorkerRecord& worker, std::deque<bb*>& queue,
+                    const std::function<void(bb*)>& handle);
     void SendCommand(bb* buffer);
     void ClearSendQ();
     void ClearRecvQ();
