@@ -94,7 +94,7 @@ private:
     WindowHandle m_hPreviewWindow = 0;
     std::unique_ptr<PreviewPipeline> m_pEngine;
     bool previewPlaying_ = false;
-    std::shared_ptr<RecordingPipeline> m_pRecording;
+    std::shared_ptr<RecordingPipeline> recording_;
 
     // Guards the recording that the camera's frames are handed to.
     std::mutex tapMutex_;
