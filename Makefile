@@ -13,6 +13,7 @@ run: build
 test: build
 	ctest --preset default -j $(JOBS)
 	$(MAKE) fuzz
+	@./scripts/test-size.sh
 
 deps:
 	@./scripts/install-deps.sh

@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "app/ble_backend.h"
 #include "app/deployment.h"
 #include "app/help_links.h"
 #include "app/history_dialog.h"
@@ -114,7 +115,9 @@ bool CMainDlg::OnInitDialog() {
 
     Orvane::OrvManager* manager = Orvane::OrvManager::GetInstance();
     Orvane::OrvManagerConfig config = WithSimulatorHost(options_.session);
-    config.demoMode = config.demoMode || options_.demo;
+    if (!config.makeBleStack) {
+        config.makeBleStack = ChooseBleBackend(options_.demo);
+    }
     manager->SetConfig(std::move(config));
     manager->SetCallback(this);
     manager->SetRecordingControl(preview_ ? preview_->Recorder() : nullptr);

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <cstdlib>
 
+#include "app/ble_backend.h"
 #include "app/console_reporter.h"
 #include "app/main_dlg.h"
 #include "app/quit_signals.h"
@@ -137,7 +138,9 @@ int COrvaneWinApp::RunConsole(int argc, char** argv, const StartupOptions& optio
 
     Orvane::OrvManager* manager = Orvane::OrvManager::GetInstance();
     Orvane::OrvManagerConfig config = WithSimulatorHost(sessionConfig);
-    config.demoMode = config.demoMode || options.demo;
+    if (!config.makeBleStack) {
+        config.makeBleStack = ChooseBleBackend(options.demo);
+    }
     manager->SetConfig(std::move(config));
     ConsoleReporter reporter(*manager);
     manager->SetCallback(&reporter);

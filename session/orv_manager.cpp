@@ -1,7 +1,5 @@
 #include "session/orv_manager.h"
 
-#include "ble/bluez/make_bluez_stack.h"
-#include "ble/virtual/virtual_stack.h"
 #include "common/clock.h"
 #include "common/debug_log.h"
 #include "common/speech.h"
@@ -93,11 +91,8 @@ void OrvManager::StartOrvane() {
         recvWorker = std::make_unique<WorkerRecord>();
         recvWorker->thread = std::make_unique<std::thread>(&OrvManager::HandleRecvQ, this);
     }
-    if (gatt.load() == nullptr) {
-        std::unique_ptr<BleStack> stack = config.makeBleStack ? config.makeBleStack()
-                                          : config.demoMode   ? MakeDemoStack()
-                                                              : MakeBluezStack();
-        ownedGatt = std::make_unique<BtfrGattWrapper>(std::move(stack));
+    if (gatt.load() == nullptr && config.makeBleStack) {
+        ownedGatt = std::make_unique<BtfrGattWrapper>(config.makeBleStack());
         ownedGatt->SetOwner(this);
         ownedGatt->SetDeviceNameFilter(kDeviceNameFilter);
         ownedGatt->SetServiceUuid(GattUuid::Parse(kServiceUuid));
@@ -199,43 +194,37 @@ void OrvManager::EnqueueCommand(OrvCmdBaseModel& command) {
 
 void OrvManager::HandleSendQ() {
     LOG_INFO("HandleSendQ thread start\n");
-    while (running) {
-        std::unique_lock<std::mutex> lock(sendWorker->mutex);
-        if (sendQ.empty() && running) {
-            sendWorker->cv.wait(lock);
-        }
-        if (!running) {
-            break;
-        }
-        if (!sendQ.empty()) {
-            bb* buffer = sendQ.front();
-            sendQ.pop_front();
-            SendCommand(buffer);  // drops it when the link is down
-            bb_free(&buffer);
-        }
-    }
+    ServeQueue(*sendWorker, sendQ, [this](bb* buffer) {
+        SendCommand(buffer);  // drops it when the link is down
+        bb_free(&buffer);
+    });
     ClearSendQ();
     LOG_INFO("HandleSendQ thread end\n");
 }
 
 void OrvManager::HandleRecvQ() {
+    // Handlers run with the receive lock held; they may take the send lock.
+    ServeQueue(*recvWorker, recvQ, [this](bb* buffer) { ParsePacket(buffer); });
+    ClearRecvQ();
+    LOG_INFO("HandleRecvQ thread end\n");
+}
+
+void OrvManager::ServeQueue(WorkerRecord& worker, std::deque<bb*>& queue,
+                            const std::function<void(bb*)>& handle) {
     while (running) {
-        std::unique_lock<std::mutex> lock(recvWorker->mutex);
-        if (recvQ.empty() && running) {
-            recvWorker->cv.wait(lock);
+        std::unique_lock<std::mutex> lock(worker.mutex);
+        if (queue.empty() && running) {
+            worker.cv.wait(lock);
         }
         if (!running) {
             break;
         }
-        if (!recvQ.empty()) {
-            bb* buffer = recvQ.front();
-            recvQ.pop_front();
-            // Handlers run with the receive lock held; they may take the send lock.
-            ParsePacket(buffer);
+        if (!queue.empty()) {
+            bb* buffer = queue.front();
+            queue.pop_front();
+            handle(buffer);
         }
     }
-    ClearRecvQ();
-    LOG_INFO("HandleRecvQ thread end\n");
 }
 
 int OrvManager::FreeAll(std::deque<bb*>& queue) {

@@ -29,12 +29,10 @@
 namespace Orvane {
 
 // How the manager reaches its two peers. The product uses the defaults;
-// tests and the demo mode point it elsewhere.
+// tests point it elsewhere.
 struct OrvManagerConfig {
-    // The sensor's stack; null means BlueZ on the system bus, or the
-    // in-process demo sensor in demo mode.
+    // The sensor's stack, chosen by the program; null means no sensor link.
     std::function<std::unique_ptr<BleStack>()> makeBleStack;
-    bool demoMode = false;
     // Empty means this computer's own first IPv4 address.
     std::string simulatorAddress;
     int simulatorPort = 2483;
@@ -123,6 +121,10 @@ private:
 
     void HandleSendQ();
     void HandleRecvQ();
+    // The send and receive threads' loop: `handle` runs on each queued buffer
+    // with the queue's lock held, until the manager stops.
+    void ServeQueue(WorkerRecord& worker, std::deque<bb*>& queue,
+                    const std::function<void(bb*)>& handle);
     void SendCommand(bb* buffer);
     void ClearSendQ();
     void ClearRecvQ();

@@ -321,10 +321,11 @@ ShotOutcome OrvManager::SendShotMessages(E6TruSimClient* client, const E6BallDat
             "%f\n=====================================\n\n",
             clubData.ClubAngleFace, clubData.ClubAnglePath, clubData.ClubHeadSpeed);
     }
+    // Marked before sending: the simulator's disarm may come back before the send returns.
+    state->shotPending = true;
     if (!client->SendTruSimMessage(E6_GetSendShotJson())) {
         return ShotOutcome::kSendFailed;
     }
-    state->shotPending = true;
     SendSystemSetting(false);
     return ShotOutcome::kSent;
 }

@@ -121,7 +121,7 @@ HRESULT CaptureManager::StartRecord(const std::string& path) {
     if (Failed(hr)) {
         return hr;
     }
-    m_pRecording = recording;
+    recording_ = recording;
     m_bRecording = true;
     std::lock_guard tap(tapMutex_);
     tapRecording_ = std::move(recording);
@@ -134,11 +134,11 @@ HRESULT CaptureManager::StopRecord() {
     HRESULT hr = S_FALSE;
     {
         std::lock_guard lock(engineMutex_);
-        if (!m_pRecording) {
+        if (!recording_) {
             return S_FALSE;
         }
         // A recording that failed has already reported its end.
-        reportStop = !m_pRecording->HasFailed();
+        reportStop = !recording_->HasFailed();
         hr = FinishRecordingLocked();
     }
     if (!reportStop) {
@@ -154,15 +154,15 @@ HRESULT CaptureManager::StopRecord() {
 }
 
 HRESULT CaptureManager::FinishRecordingLocked() {
-    if (!m_pRecording) {
+    if (!recording_) {
         return S_FALSE;
     }
-    const HRESULT hr = m_pRecording->Finish(timing_.firstFrameWait, timing_.finalizeWait);
+    const HRESULT hr = recording_->Finish(timing_.firstFrameWait, timing_.finalizeWait);
     {
         std::lock_guard tap(tapMutex_);
         tapRecording_.reset();
     }
-    m_pRecording.reset();
+    recording_.reset();
     ReturnFreedMemory();
     return hr;
 }

@@ -93,7 +93,7 @@ private:
     FrameTarget* m_hPreviewWindow = nullptr;
     std::unique_ptr<PreviewPipeline> m_pEngine;
     bool previewPlaying_ = false;
-    std::shared_ptr<RecordingPipeline> m_pRecording;
+    std::shared_ptr<RecordingPipeline> recording_;
 
     // Guards the recording that the camera's frames are handed to.
     std::mutex tapMutex_;

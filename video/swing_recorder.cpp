@@ -53,21 +53,21 @@ bool SwingRecorder::StartRecording() {
     {
         std::lock_guard lock(mutex_);
         char name[32];
-        std::snprintf(name, sizeof name, "MyRecord%d.mp4", g_nRecordCounter);
+        std::snprintf(name, sizeof name, "MyRecord%d.mp4", recordCounter_);
         path = (folder_ / name).string();
         // Advances even when this recording fails.
-        g_nRecordCounter = g_nRecordCounter + 1 < kRingSize ? g_nRecordCounter + 1 : 0;
+        recordCounter_ = recordCounter_ + 1 < kRingSize ? recordCounter_ + 1 : 0;
     }
     const HRESULT hr = capture_->StartRecord(path);
     std::lock_guard lock(mutex_);
     if (Failed(hr)) {
         LOG_INFO_AS(kStartTag, "StartRecording fail\n");
-        g_strLastRecordingFile.clear();
+        lastRecordingFile_.clear();
         return false;
     }
     LOG_INFO_AS(kStartTag, "StartRecording success\n");
     recordingRequested_ = true;
-    g_strLastRecordingFile = path;
+    lastRecordingFile_ = path;
     return true;
 }
 
@@ -126,7 +126,7 @@ void SwingRecorder::ShowRecordingFile() {
     {
         std::lock_guard lock(mutex_);
         recordingRequested_ = false;
-        path = g_strLastRecordingFile;
+        path = lastRecordingFile_;
     }
     LOG_INFO_AS(kShowTag, "Show Recording File...\n");
     if (path.empty()) {
@@ -155,7 +155,7 @@ void SwingRecorder::ClosePlayer() {
 
 std::string SwingRecorder::LastRecordingFile() {
     std::lock_guard lock(mutex_);
-    return g_strLastRecordingFile;
+    return lastRecordingFile_;
 }
 
 bool SwingRecorder::RecordingRequested() {

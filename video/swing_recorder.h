@@ -57,8 +57,8 @@ private:
 
     // Guards the ring counter, the last file and the requested flag.
     std::mutex mutex_;
-    int g_nRecordCounter = 0;
-    std::string g_strLastRecordingFile;
+    int recordCounter_ = 0;
+    std::string lastRecordingFile_;
     bool recordingRequested_ = false;
 
     // Guards the delayed stops and the shutdown flag.

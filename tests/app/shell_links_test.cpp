@@ -31,55 +31,6 @@ public slots:
     void Open(const QUrl& url) { opened << url.toString(); }
 };
 
-TEST(HelpLinks, PagesAndQuestions) {
-    orv::test::GuiTestApp();
-    const std::string site = "https://www.orvane.invalid";
-    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kUserGuide), site + "/userguide/");
-    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kSupport), site + "/support.html");
-    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kSimulator), site + "/e6/");
-    EXPECT_EQ(orv::HelpPageUrl(site, orv::HelpPage::kFirmware), site + "/firmware/");
-
-    UrlRecorder browser;
-    {
-        MessageBoxAnswerer cancel(QMessageBox::Cancel);
-        EXPECT_FALSE(orv::AskAndOpen(nullptr, "Open the user guide?", site + "/userguide/"));
-        EXPECT_EQ(cancel.seen().text, "Open the user guide?");
-        EXPECT_EQ(cancel.seen().icon, QMessageBox::Question);
-        EXPECT_EQ(cancel.seen().buttons, QMessageBox::Ok | QMessageBox::Cancel);
-        EXPECT_TRUE(browser.opened.isEmpty());
-    }
-    {
-        MessageBoxAnswerer ok(QMessageBox::Ok);
-        EXPECT_TRUE(orv::AskAndOpen(nullptr, "Open support?", site + "/support.html"));
-        EXPECT_EQ(browser.opened, QStringList{"https://www.orvane.invalid/support.html"});
-    }
-    {
-        MessageBoxAnswerer ok(QMessageBox::Ok);
-        EXPECT_TRUE(orv::AskPlainAndOpen(nullptr, "E6 is not installed.", site + "/e6/"));
-        EXPECT_EQ(ok.seen().icon, QMessageBox::NoIcon);
-        EXPECT_EQ(ok.seen().buttons, QMessageBox::Ok | QMessageBox::Cancel);
-    }
-    {
-        MessageBoxAnswerer ok(QMessageBox::Ok);
-        EXPECT_TRUE(orv::InformAndOpen(nullptr, "New firmware", site + "/firmware/"));
-        EXPECT_EQ(ok.seen().icon, QMessageBox::Information);
-        EXPECT_EQ(ok.seen().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    }
-    EXPECT_EQ(browser.opened.size(), 3);
-    EXPECT_EQ(browser.opened.back(), "https://www.orvane.invalid/firmware/");
-}
-
-TEST(Deployment, ProductDefaults) {
-    const orv::VersionCheckConfig config = orv::DefaultVersionCheckConfig();
-    EXPECT_FALSE(config.host.empty());
-    EXPECT_EQ(config.port, 9443);
-    EXPECT_EQ(config.timing.connect, 10s);
-    EXPECT_EQ(config.runningVersion, orv::GetVersion());
-    const std::string site = orv::DefaultWebSite();
-    EXPECT_EQ(site.rfind("https://", 0), 0u) << site;
-    EXPECT_NE(site.back(), '/');
-}
-
 TEST(VersionCheckWorker, ResultArrivesOnTheUiThread) {
     orv::test::GuiTestApp();
     orv::test::TempDir dir;

@@ -33,44 +33,4 @@ TEST(StartupOptions, ExactSwitchesAnywhere) {
     EXPECT_FALSE(near.debug || near.debugPacket || near.debugFile || near.demo || near.console);
 }
 
-// Each case runs in a child process: the switches change the process's
-// standard output and log state for good.
-void RunIn(const std::filesystem::path& folder, std::initializer_list<const char*> args) {
-    ASSERT_EQ(chdir(folder.c_str()), 0);
-    if (!orv::ApplyStartupOptions(Parse(args))) {
-        std::_Exit(2);
-    }
-    LOG_INFO("Main Language: %d\n", 1033);
-    PrintRaw("[D] >> 0A 03\n");
-    std::fflush(stdout);
-    std::_Exit(IsShowLog() ? 10 : 0);
-}
-
-TEST(StartupOptionsDeathTest, LogFileOnlyWithADebugSwitch) {
-    // Forked without re-running the test, so the child sees this test's folder.
-    GTEST_FLAG_SET(death_test_style, "fast");
-    orv::test::TempDir dir;
-    const auto log = dir.path() / "log.txt";
-
-    EXPECT_EXIT(RunIn(dir.path(), {"OrvaneWin", "-debug_file"}), testing::ExitedWithCode(0), "");
-    EXPECT_FALSE(std::filesystem::exists(log));
-
-    EXPECT_EXIT(RunIn(dir.path(), {"OrvaneWin", "-debug"}), testing::ExitedWithCode(10), "");
-    EXPECT_FALSE(std::filesystem::exists(log));
-
-    EXPECT_EXIT(RunIn(dir.path(), {"OrvaneWin", "-debug_file", "-debug"}),
-                testing::ExitedWithCode(10), "");
-    ASSERT_TRUE(std::filesystem::exists(log));
-    const std::string text = orv::test::ReadFileText(log);
-    EXPECT_NE(text.find("] Main Language: 1033\n"), std::string::npos) << text;
-    EXPECT_EQ(text.find("0A 03"), std::string::npos) << text;
-
-    // The packet switch alone dumps packets but no tagged lines.
-    EXPECT_EXIT(RunIn(dir.path(), {"-debug_packet", "-debug_file"}), testing::ExitedWithCode(0),
-                "");
-    const std::string packets = orv::test::ReadFileText(log);
-    EXPECT_NE(packets.find("] [D] >> 0A 03\n"), std::string::npos) << packets;
-    EXPECT_EQ(packets.find("Main Language"), std::string::npos) << packets;
-}
-
 }  // namespace

@@ -6,7 +6,6 @@
 #include <climits>
 #include <csignal>
 #include <cstdlib>
-#include <regex>
 #include <string>
 
 #include "common/debug_log.h"
@@ -22,13 +21,6 @@ using orv::test::CountOf;
 using orv::test::EnvVar;
 using orv::test::ReadFileText;
 using orv::test::WriteFileText;
-
-// Tagged log entries (the settings dump is one entry over several lines).
-size_t LogEntries(const std::string& text) {
-    const std::regex tag(R"((^|\n)(!!! ERROR )?\[\d+\] \[)");
-    return static_cast<size_t>(
-        std::distance(std::sregex_iterator(text.begin(), text.end(), tag), std::sregex_iterator()));
-}
 
 // Values that no load would produce, so a test sees that loading set them.
 void ScrambleSwingValues() {
@@ -160,17 +152,6 @@ TEST_F(Settings, SaveWritesEveryValueBack) {
     EXPECT_TRUE(again.recording);
 }
 
-TEST_F(Settings, SetVersionWritesAtOnceButKeepsTheLoadedVersion) {
-    WriteFileText(ini, "[Golf]\nVersion=1.0.0\n");
-    OrvSettings settings(dir.path());
-    settings.SetVersion("1.2.0");
-    EXPECT_EQ(ReadFileText(ini), "[Golf]\nVersion=1.2.0\n");
-    EXPECT_EQ(settings.GetVersion(), "1.0.0");
-    // A later save stores the version that was loaded.
-    settings.SaveSetting();
-    EXPECT_NE(ReadFileText(ini).find("Version=1.0.0\n"), std::string::npos);
-}
-
 TEST_F(Settings, SaveKeepsCommentsUnknownKeysAndSections) {
     WriteFileText(ini,
                   "; Orvane X settings, edited by hand\r\n"
@@ -211,105 +192,6 @@ TEST_F(Settings, SaveKeepsCommentsUnknownKeysAndSections) {
               "; the end\n");
     EXPECT_EQ(settings.GetSimulatorPath("WriteableFilesPath"), "/nowhere/e6");
     EXPECT_EQ(settings.GetSimulatorPath("DefaultPath"), "");
-}
-
-TEST_F(Settings, UnusableFilesLoadAsDefaultsWithOneLogLine) {
-    struct Case {
-        const char* name;
-        std::string content;
-    };
-    const char binary[] = "[Golf]\nSwingLevel=2\n\0\x01\xff[Sound]\n";
-    const Case cases[] = {
-        {"empty", ""},
-        {"text without sections", "SwingLevel=2 is what I want\nthanks\n"},
-        {"binary", std::string(binary, sizeof binary - 1)},
-        {"huge", "[Golf]\nSwingLevel=2\n" + std::string(1 << 20, ';')},
-        {"unreadable", ""},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        fs::remove_all(ini);
-        if (std::string(c.name) == "unreadable") {
-            fs::create_directory(ini);
-        } else {
-            WriteFileText(ini, c.content);
-        }
-        ScrambleSwingValues();
-        orv::test::StdoutCapture out;
-        ShowLog(true, false);
-        OrvSettings settings(dir.path());
-        ShowLog(false, false);
-        EXPECT_EQ(settings.GetDifficulty(), 1);
-        EXPECT_EQ(settings.GetSensitivity(), 1);
-        EXPECT_TRUE(settings.firstLaunch);
-        EXPECT_EQ(LogEntries(out.Text()), 2u) << "one line and the dump:\n" << out.Text();
-    }
-}
-
-// A write that fails half-way (file size limit, which binds root too) must
-// leave the old file as it was and no temporary file behind.
-TEST_F(Settings, FailedSaveLeavesTheOldFileIntact) {
-    const std::string old = "[Golf]\n; " + std::string(600, 'x') + "\nSwingLevel=0\n";
-    WriteFileText(ini, old);
-    OrvSettings settings(dir.path());
-    settings.SetDifficulty(2);
-
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    rlimit saved{};
-    getrlimit(RLIMIT_FSIZE, &saved);
-    rlimit small = saved;
-    small.rlim_cur = 512;
-    auto* previous = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    settings.SaveSetting();
-    setrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, previous);
-    ShowLog(false, false);
-
-    EXPECT_EQ(ReadFileText(ini), old);
-    EXPECT_EQ(CountOf(out.Text(), "write error:0x1b\n"), 1u) << out.Text();
-    size_t files = 0;
-    for ([[maybe_unused]] const auto& entry : fs::directory_iterator(dir.path())) {
-        ++files;
-    }
-    EXPECT_EQ(files, 1u) << "no temporary file is left behind";
-}
-
-// With a file where the folder should be, nothing can be created in it:
-// the save logs once and the file in the way stays as it was.
-TEST_F(Settings, SaveIntoAFolderThatCannotBeWrittenChangesNothing) {
-    const fs::path blocked = dir.path() / "not-a-folder";
-    WriteFileText(blocked, "in the way\n");
-    OrvSettings settings(blocked);
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    settings.SaveSetting();
-    ShowLog(false, false);
-    EXPECT_EQ(ReadFileText(blocked), "in the way\n");
-    EXPECT_EQ(CountOf(out.Text(), "mkostemp error:0x14\n"), 1u) << out.Text();
-}
-
-TEST_F(Settings, DumpWhenTheLogIsOn) {
-    WriteFileText(ini,
-                  "[Golf]\nSwingLevel=2\nSwingSensitivity=0\nClubType=1\nHideShotResult=1\n"
-                  "[Sound]\nBackground=0\n[Camera]\nRecording=1\n");
-    gUserDependsData.hands = 1;
-    {
-        orv::test::StdoutCapture out;
-        OrvSettings quiet(dir.path());
-        EXPECT_EQ(out.Text(), "");
-    }
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    OrvSettings settings(dir.path());
-    gUserDependsData.hands = 0;
-    const std::regex dump(
-        R"(\[\d+\] \[OrvSettings::LoadSetting\(\d+\)\] )"
-        "\n=========== Settings ==============\nSwing level: 2\nSwing sensitivity: 0\n"
-        "Hands: 1\nClub type: 1\nBackground sound: 0\nEffect sound: 1\nResult Screen: 1\n"
-        "Show Preview: 0\nRecording: 1\n===================================\n\n");
-    EXPECT_TRUE(std::regex_match(out.Text(), dump)) << out.Text();
 }
 
 TEST_F(Settings, SingletonAndEffectSwitch) {

@@ -63,20 +63,6 @@ TEST_F(ShowResult, AnalysersFollowTheHiddenResultScreenAndTheRestStays) {
     EXPECT_EQ(ReadFileText(stg), hidden);
 }
 
-TEST_F(ShowResult, FilesWithoutTheElementsAreRewrittenUnchangedInContent) {
-    const std::string other =
-        "<SettingsFile>\n\t<Other ShowPostShotAnalyzer=\"x\" />\n</SettingsFile>\n";
-    std::string updated;
-    ASSERT_TRUE(orv::SetShowResultXml(other, true, updated));
-    EXPECT_EQ(updated, "<?xml version=\"1.0\"?>\n" + other);
-    ASSERT_TRUE(orv::SetShowResultXml(
-        "<SettingsFile><InterfaceSettings Units=\"Yards\"/></SettingsFile>", true, updated));
-    EXPECT_EQ(updated,
-              "<?xml version=\"1.0\"?>\n<SettingsFile>\n\t<InterfaceSettings Units=\"Yards\" "
-              "/>\n</SettingsFile>\n")
-        << "missing attributes are not added";
-}
-
 TEST_F(ShowResult, MalformedOrMissingFilesAreLeftAlone) {
     PointSettingsAtSimulator();
     OrvSettings settings(dir.path());
@@ -100,19 +86,6 @@ TEST_F(ShowResult, MalformedOrMissingFilesAreLeftAlone) {
     const std::string log = out.Text();
     EXPECT_EQ(orv::test::CountOf(log, "defaults.stg: missing, not updated\n"), 1u) << log;
     EXPECT_EQ(orv::test::CountOf(log, "defaults.stg: not XML, not updated\n"), 2u) << log;
-}
-
-TEST_F(ShowResult, UnknownSimulatorFolderWritesNothingAnywhere) {
-    WriteFileText(dir.path() / "settings.ini", "[E6]\nWriteableFilesPath=\n");
-    const bool rootHadOne = fs::exists("/defaults.stg");
-    OrvSettings settings(dir.path());
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    settings.SaveSetting();
-    ShowLog(false, false);
-    EXPECT_EQ(fs::exists("/defaults.stg"), rootHadOne);
-    EXPECT_FALSE(fs::exists(dir.path() / "defaults.stg"));
-    EXPECT_EQ(orv::test::CountOf(out.Text(), "WriteableFilesPath unknown"), 1u) << out.Text();
 }
 
 }  // namespace

@@ -100,41 +100,6 @@ struct Speech : ::testing::Test {
     bool Start() { return TTS_InitWithOutput(std::make_unique<RecordingOutput>(played)); }
 };
 
-TEST(SpeechVoice, LanguageIdsChooseTheirVoices) {
-    EXPECT_STREQ(orv::SpeechVoiceFor(1042), "ko");
-    EXPECT_STREQ(orv::SpeechVoiceFor(1033), "en-us");
-    EXPECT_STREQ(orv::SpeechVoiceFor(1041), "ja");
-    EXPECT_STREQ(orv::SpeechVoiceFor(2052), "cmn-latn-pinyin");
-    EXPECT_STREQ(orv::SpeechVoiceFor(1031), "en-us");
-    EXPECT_STREQ(orv::SpeechVoiceFor(2057), "en-us");
-}
-
-// Each spoken text of each table, as the session fills it, gives audible
-// speech, read by its own language's rules (espeak-ng marks a switch to
-// other rules, e.g. "(en)" for a word it cannot read, with a parenthesis).
-TEST(SpeechVoice, EveryAnnouncementIsSpokenInEveryLanguage) {
-    for (const auto& language : kLanguages) {
-        SCOPED_TRACE(language.folder);
-        ASSERT_TRUE(LoadLanguageModule(language.id));
-        const std::vector<std::string> texts = {
-            GetStringRes(162),
-            GetStringRes(165),
-            GetStringRes(168),
-            GetStringRes(172),
-            FormatDistanceText(GetStringRes(169), GetStringRes(170), 152),
-            FormatDistanceText(GetStringRes(169), GetStringRes(171), 24),
-        };
-        for (const std::string& text : texts) {
-            EXPECT_TRUE(Audible(TTS_SynthesizeToMemory(text, language.id))) << text;
-            const std::string phonemes = orv::SpeechPhonemes(text, language.id);
-            EXPECT_EQ(phonemes.find('('), std::string::npos) << text << " -> " << phonemes;
-        }
-        // The quit question names the product, which is read as English.
-        EXPECT_TRUE(Audible(TTS_SynthesizeToMemory(GetStringRes(167), language.id)));
-    }
-    LoadLanguageModule(1033);
-}
-
 TEST(SpeechVoice, MissingVoiceFallsBackToTheDefaultVoice) {
     EXPECT_TRUE(Audible(orv::SynthesizeSpeech("Sensor connected.", "no-such-voice")));
     EXPECT_TRUE(SameSpeech(orv::SynthesizeSpeech("Sensor connected.", "en-us"),

@@ -261,41 +261,6 @@ TEST_F(SessionE2E, BackSwingWithoutResultStopsTheClipAfterEightWaits) {
     EXPECT_TRUE(ui.Saw("ready"));
 }
 
-TEST_F(SessionE2E, SimulatorRestartAndBleDropHealByThemselves) {
-    StartManager();
-    ASSERT_TRUE(WaitReady());
-
-    emulator->Stop();
-    ASSERT_TRUE(Eventually([&] { return ui.Saw("e6:0"); }));
-    StartEmulator();
-    ASSERT_TRUE(Eventually([&] { return emulator->IsClientAuthenticated(); }));
-    ASSERT_TRUE(WaitReady());
-    sensor->TriggerSwing(DriverSwing());
-    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
-
-    ui.Clear();
-    sensor->DropLink();
-    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }));
-    sensor->ComeBack();
-    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }));
-    ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetArmState() == 0; }));
-    sensor->TriggerSwing(DriverSwing());
-    ASSERT_TRUE(emulator->WaitForShots(2, 10s));
-}
-
-TEST_F(SessionE2E, UnknownAndShortFramesAreLoggedAndTheSessionGoesOn) {
-    LogCapture log;
-    StartManager();
-    ASSERT_TRUE(WaitReady());
-    sensor->SendFrame({0x55, 0x01, 0x02, 0x56});
-    sensor->SendFrame({ORV_DATA_SWING_INFO, 0x11});  // cut short: parses as zeros, dropped
-    sensor->SendFrame({});                           // empty: a sign of life only
-    sensor->TriggerSwing(DriverSwing());
-    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
-    EXPECT_NE(log.Text().find("Unknown data type: 85\n"), std::string::npos);
-    EXPECT_EQ(emulator->Shots().size(), 1u);
-}
-
 TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {
     const int before = ThreadCount();
     StartManager();

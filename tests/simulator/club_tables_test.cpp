@@ -7,36 +7,6 @@
 
 namespace {
 
-TEST(ClubTables, ValueRowsKeepTheirSinglePrecisionConstants) {
-    const __club_value_table_st driver = OrvGetClubValueTable(1);
-    EXPECT_EQ(driver.club, 1);
-    EXPECT_EQ(static_cast<double>(driver.speedFactor), 1.4800000190734863);
-    EXPECT_EQ(driver.refHeadSpeed, 94.0f);
-    EXPECT_EQ(driver.refBackSpin, 2600.0f);
-    EXPECT_EQ(static_cast<double>(driver.refLaunchAngle), 13.199999809265137);
-    EXPECT_EQ(driver.extraFactor, 0.90f);
-
-    const __club_value_table_st putter = OrvGetClubValueTable(15);
-    EXPECT_EQ(putter.refHeadSpeed, 2.5f);
-    EXPECT_EQ(putter.refBackSpin, 20.0f);
-    const __club_value_table_st lob = OrvGetClubValueTable(14);
-    EXPECT_EQ(lob.refBackSpin, 10000.0f);
-    EXPECT_EQ(lob.refLaunchAngle, 37.8f);
-
-    // The two clubs added last copy the 7 wood.
-    const __club_value_table_st wood7 = OrvGetClubValueTable(4);
-    for (int club : {16, 17}) {
-        const __club_value_table_st row = OrvGetClubValueTable(club);
-        EXPECT_EQ(row.club, club);
-        EXPECT_EQ(row.speedFactor, wood7.speedFactor);
-        EXPECT_EQ(row.refHeadSpeed, wood7.refHeadSpeed);
-        EXPECT_EQ(row.refBackSpin, wood7.refBackSpin);
-        EXPECT_EQ(row.refLaunchAngle, wood7.refLaunchAngle);
-    }
-    // The code is taken modulo 256, as the table's key is one byte.
-    EXPECT_EQ(OrvGetClubValueTable(256 + 15).club, 15);
-}
-
 TEST(ClubTables, SensitivityRowsByClubGroup) {
     struct Expected {
         int club;

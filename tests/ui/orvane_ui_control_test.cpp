@@ -116,39 +116,6 @@ TEST_F(UiControl, RadioGroupsKeepTheirIndex) {
     EXPECT_TRUE(control.ckShowShotNo->IsChecked());
 }
 
-TEST_F(UiControl, LabelsShowTextInTheirColour) {
-    for (OrvaneWinUI::StatusLabel* label :
-         {control.lbE6Conn, control.lbOrvaneConn, control.lbFwVer, control.lbBattery}) {
-        ASSERT_NE(label, nullptr);
-        label->SetStatus("Connected", OrvaneWinUI::kConnectedColor);
-        EXPECT_EQ(label->text(), "Connected");
-        EXPECT_EQ(label->TextColor(), QColor(211, 255, 70));
-        EXPECT_TRUE(ShowsColour(label, QColor(211, 255, 70)));
-        label->SetText("Disconnected");
-        label->SetTextColor(Qt::red);
-        EXPECT_EQ(label->text(), "Disconnected");
-        EXPECT_TRUE(ShowsColour(label, Qt::red));
-        EXPECT_FALSE(ShowsColour(label, QColor(211, 255, 70)));
-    }
-}
-
-TEST_F(UiControl, WaitingDialogCoversWithoutBlocking) {
-    bool timerRan = false;
-    QTimer::singleShot(0, [&] { timerRan = true; });
-    control.ShowWaitingDlg();  // returns at once
-    EXPECT_TRUE(control.IsWaitingDlgShown());
-    EXPECT_TRUE(ProcessEventsUntil([&] { return timerRan; }));
-    EXPECT_FALSE(ReceivesClicksAt(control.btnExit));
-    EXPECT_FALSE(ReceivesClicksAt(control.radioGroupClub->Choice(1)));
-
-    control.resize(1200, 760);  // the dialog resizes the control; the cover follows
-    EXPECT_TRUE(ProcessEventsUntil([&] { return control.waitingDlg->size() == control.size(); }));
-
-    control.HideWaitingDlg();
-    EXPECT_FALSE(control.IsWaitingDlgShown());
-    EXPECT_TRUE(ReceivesClicksAt(control.btnExit));
-}
-
 TEST_F(UiControl, ClubPickerAndLastShot) {
     QSignalSpy asked(&control, &OrvaneUIControl::ClubChangeRequested);
     control.SetClubs({{0x01, "Driver"}, {0x08, "7 Iron"}, {0x0F, "Putter"}});
@@ -174,32 +141,6 @@ TEST_F(UiControl, ClubPickerAndLastShot) {
     control.SetLastShot({100, 10, 0.01, 3000, -0.2, 80, "Driver"});
     EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kDirection), "0.0");
     EXPECT_EQ(control.shotPanel->ValueText(ShotValue::kSideSpin), "0");
-}
-
-// The control as a user sees it, saved for the documentation.
-TEST_F(UiControl, Screenshot) {
-    control.lbE6Conn->SetStatus("Connected", OrvaneWinUI::kConnectedColor);
-    control.lbOrvaneConn->SetStatus("Connected", OrvaneWinUI::kConnectedColor);
-    control.lbBattery->SetText("87%");
-    control.lbFwVer->SetText("1.0.4");
-    control.SetClubs({{0x01, "Driver"}, {0x02, "3 Wood"}, {0x08, "7 Iron"}, {0x0F, "Putter"}});
-    control.SetCurrentClub(0x01);
-    control.radioGroupClub->SetSelectedIndex(1);
-    control.SetLastShot({148.6, 13.2, -1.8, 2710, -240, 101.4, "Driver"});
-    ProcessEventsUntil([] { return false; }, std::chrono::milliseconds(100));
-    const QImage image = control.grab().toImage();
-    EXPECT_EQ(image.size(), QSize(1040, 680));
-    EXPECT_TRUE(image.save(ORVANE_SCREENSHOT_DIR "/ui-control.png"));
-
-    // The longest state still fits its tile.
-    control.lbE6Conn->SetStatus("Disconnected", OrvaneWinUI::kDisconnectedColor);
-    ProcessEventsUntil([] { return false; }, std::chrono::milliseconds(50));
-    EXPECT_GE(control.lbE6Conn->width(), control.lbE6Conn->sizeHint().width());
-
-    control.lbOrvaneConn->SetStatus("Scanning", OrvaneWinUI::kDisconnectedColor);
-    EXPECT_TRUE(control.grab().save(ORVANE_SCREENSHOT_DIR "/ui-control-disconnected.png"));
-    control.ShowWaitingDlg();
-    EXPECT_TRUE(control.grab().save(ORVANE_SCREENSHOT_DIR "/ui-control-waiting.png"));
 }
 
 }  // namespace

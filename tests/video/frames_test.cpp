@@ -14,21 +14,21 @@
 namespace {
 
 using namespace std::chrono_literals;
-using orv::test::PumpUntil;
+using orv::test::ProcessEventsUntil;
 
-const bool kGui =
-    (qputenv("QT_QPA_PLATFORM", ORV_QT_PLATFORM), orv::test::UseGuiEnvironment(), true);
+const bool kPlatform = (qputenv("QT_QPA_PLATFORM", ORV_QT_PLATFORM), true);
 
 bool ShowsAPicture(QWidget* window) {
     return !orv::test::AllBlack(window->grab().toImage());
 }
 
 TEST(FramesTest, PreviewAndReplayPaintTheirWindows) {
+    orv::test::UseGui();
     ASSERT_EQ(QGuiApplication::platformName(), ORV_QT_PLATFORM);
     PreviewWnd preview(orv::test::TestSources());
     ASSERT_TRUE(preview.Create(nullptr));
     ASSERT_TRUE(preview.StartPreview(kShowWindow));
-    EXPECT_TRUE(PumpUntil([&] { return ShowsAPicture(preview.Window()); }));
+    EXPECT_TRUE(ProcessEventsUntil([&] { return ShowsAPicture(preview.Window()); }));
 
     orv::test::TempDir dir;
     const std::string clip = (dir.path() / "swing.mp4").string();
@@ -37,9 +37,9 @@ TEST(FramesTest, PreviewAndReplayPaintTheirWindows) {
     ASSERT_TRUE(player->SetWindowInstance(nullptr));
     ASSERT_TRUE(player->Create());
     ASSERT_TRUE(player->OpenURL(clip));
-    EXPECT_TRUE(PumpUntil([&] { return ShowsAPicture(player->Window()); }));
+    EXPECT_TRUE(ProcessEventsUntil([&] { return ShowsAPicture(player->Window()); }));
     // The end of the clip hides the window and lets go of the last picture.
-    ASSERT_TRUE(PumpUntil([&] { return !player->Window()->isVisible(); }, 10s));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !player->Window()->isVisible(); }, 10s));
     EXPECT_FALSE(ShowsAPicture(player->Window()));
     PlayerWnd::ReleaseInstance();
 }

@@ -14,11 +14,11 @@
 namespace {
 
 using namespace std::chrono_literals;
-using orv::test::PumpUntil;
+using orv::test::ProcessEventsUntil;
 
 // GStreamer's leak tracer sees every object made after gst_init.
 const bool kTracer = (g_setenv("GST_TRACERS", "leaks", TRUE), true);
-const bool kGui = (qputenv("QT_QPA_PLATFORM", "xcb"), orv::test::UseGuiEnvironment(), true);
+const bool kPlatform = (qputenv("QT_QPA_PLATFORM", "xcb"), true);
 
 // Live GStreamer objects by type, as the leak tracer lists them.
 std::map<std::string, int> LiveObjects() {
@@ -50,6 +50,7 @@ std::map<std::string, int> LiveObjects() {
 }
 
 TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
+    orv::test::UseGui();
     orv::test::TempDir dir;
     const std::string clip = (dir.path() / "swing.mp4").string();
     ASSERT_TRUE(orv::test::MakeClip(clip, 0.3));
@@ -62,10 +63,10 @@ TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
         ASSERT_TRUE(player->Create());
         ASSERT_TRUE(player->OpenURL(clip));
         if (i % 2 == 1) {
-            ASSERT_TRUE(PumpUntil([&] { return player->State() == PlayerState::Started; }));
+            ASSERT_TRUE(ProcessEventsUntil([&] { return player->State() == PlayerState::Started; }));
             player->Close();
         }
-        ASSERT_TRUE(PumpUntil([&] { return !player->HasPlayer(); }));
+        ASSERT_TRUE(ProcessEventsUntil([&] { return !player->HasPlayer(); }));
     };
     // The first replays load the plugins and fill GStreamer's type caches.
     for (int i = 0; i < 2; ++i) {
@@ -84,7 +85,7 @@ TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
     }
     EXPECT_EQ(orv::test::OpenFdCount(), fds);
     // Idle streaming threads of GStreamer's pool end after a while.
-    EXPECT_TRUE(PumpUntil([&] { return orv::test::ThreadCount() <= threads; }, 30s))
+    EXPECT_TRUE(ProcessEventsUntil([&] { return orv::test::ThreadCount() <= threads; }, 30s))
         << orv::test::ThreadNames();
     PlayerWnd::ReleaseInstance();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -20,16 +20,14 @@ namespace {
 
 using namespace std::chrono_literals;
 using orv::test::CountOf;
-using orv::test::PumpUntil;
+using orv::test::ProcessEventsUntil;
 using Clock = std::chrono::steady_clock;
-
-const bool kGui = (orv::test::UseGuiEnvironment(), true);
 
 double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-struct ReplayTest : ::testing::Test {
+struct ReplayTest : orv::test::GuiTest {
     ReplayTest() {
         ShowLog(true, false);
         player = PlayerWnd::GetInstance();
@@ -53,7 +51,7 @@ struct ReplayTest : ::testing::Test {
             work();
             done = true;
         });
-        EXPECT_TRUE(PumpUntil([&] { return done.load(); }));
+        EXPECT_TRUE(ProcessEventsUntil([&] { return done.load(); }));
         worker.join();
     }
 
@@ -74,8 +72,9 @@ TEST_F(ReplayTest, PlaysInSlowMotionThenHidesItsWindow) {
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->geometry(), QRect(151, 331, 798, 398));
     EXPECT_TRUE(window->windowFlags() & Qt::WindowStaysOnTopHint);
-    EXPECT_TRUE(PumpUntil([&] { return !orv::test::AllBlack(orv::test::GrabScreen(window)); }, 3s));
-    ASSERT_TRUE(PumpUntil([&] { return !window->isVisible(); }, 15s));
+    EXPECT_TRUE(ProcessEventsUntil(
+        [&] { return !orv::test::AllBlack(orv::test::GrabScreen(window)); }, 3s));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !window->isVisible(); }, 15s));
     // 2 s at 0.6 of normal speed take 3.33 s.
     const double wall = SecondsSince(opened);
     EXPECT_GT(wall, 2.9);
@@ -91,33 +90,13 @@ TEST_F(ReplayTest, PlaysInSlowMotionThenHidesItsWindow) {
     EXPECT_FALSE(orv::test::LibraryLoaded("libfaad"));
 }
 
-TEST_F(ReplayTest, OpeningAgainShutsThePreviousClipDownFirst) {
-    const std::string first = Clip("first.mp4", 2.0);
-    const std::string second = Clip("second.mp4", 1.0);
-    orv::test::StdoutCapture out;
-    ASSERT_TRUE(player->Create());
-    ASSERT_TRUE(player->OpenURL(first));
-    ASSERT_TRUE(PumpUntil([&] { return CountOf(out.Text(), "Rate Control") == 1; }));
-    EXPECT_FALSE(player->Create());  // a clip is showing
-    const Clock::time_point reopened = Clock::now();
-    ASSERT_TRUE(player->OpenURL(second));
-    ASSERT_TRUE(PumpUntil([&] { return !player->Window()->isVisible(); }, 15s));
-    // The second clip, slowed down too: 1 s takes 1.67 s.
-    const double wall = SecondsSince(reopened);
-    EXPECT_GT(wall, 1.4);
-    EXPECT_LT(wall, 4.0);
-    const std::string log = out.Text();
-    EXPECT_EQ(CountOf(log, "Rate Control nearest rate(0.600000): 0.600000\n"), 2u) << log;
-    EXPECT_EQ(CountOf(log, "PlayerState::Stopped\n"), 1u) << log;
-}
-
 TEST_F(ReplayTest, ClosingFromAnotherThreadEndsTheReplayAtOnce) {
     const std::string first = Clip("first.mp4", 3.0);
     const std::string second = Clip("second.mp4", 0.5);
     orv::test::StdoutCapture out;
     ASSERT_TRUE(player->Create());
     ASSERT_TRUE(player->OpenURL(first));
-    ASSERT_TRUE(PumpUntil([&] { return player->State() == PlayerState::Started; }));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return player->State() == PlayerState::Started; }));
     FromWorker([&] { player->Close(); });
     EXPECT_FALSE(player->Window()->isVisible());
     EXPECT_FALSE(player->HasPlayer());
@@ -125,62 +104,8 @@ TEST_F(ReplayTest, ClosingFromAnotherThreadEndsTheReplayAtOnce) {
     // A new player is not disturbed by what the old one left in the queue.
     ASSERT_TRUE(player->Create());
     ASSERT_TRUE(player->OpenURL(second));
-    ASSERT_TRUE(PumpUntil([&] { return !player->Window()->isVisible(); }, 10s));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !player->Window()->isVisible(); }, 10s));
     EXPECT_EQ(CountOf(out.Text(), "PlayerState::Stopped\n"), 1u);
-}
-
-TEST_F(ReplayTest, AnUnplayableFileIsRefused) {
-    const std::string junk = (dir.path() / "junk.mp4").string();
-    std::ofstream(junk) << "not a movie";
-    orv::test::StdoutCapture out;
-    ASSERT_TRUE(player->Create());
-    // The file is found out asynchronously; the error event closes the player.
-    ASSERT_TRUE(player->OpenURL(junk));
-    EXPECT_TRUE(PumpUntil([&] { return !player->HasPlayer(); }));
-    EXPECT_FALSE(player->Window()->isVisible());
-    EXPECT_EQ(CountOf(out.Text(), "An error occurred:-2147467259.\n"), 1u) << out.Text();
-}
-
-TEST(UiThreadTest, GivesUpWhenTheGuiThreadDoesNotTakeTheWork) {
-    std::atomic<bool> ran{false};
-    bool accepted = true;
-    // The GUI thread waits for the worker without handling events.
-    std::thread worker([&] { accepted = RunOnUiThread([&] { ran = true; }, 100ms); });
-    worker.join();
-    EXPECT_FALSE(accepted);
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(ran);                                // dropped, not run late
-    EXPECT_TRUE(RunOnUiThread([&] { ran = true; }));  // on the GUI thread: at once
-    EXPECT_TRUE(ran);
-}
-
-TEST(VideoWindowTest, BlackWhereNothingDrawsAndMovedByDraggingThePicture) {
-    // A white window underneath, so that black on the screen is our painting.
-    QWidget below;
-    below.setStyleSheet("background: white");
-    below.setGeometry(80, 80, 400, 300);
-    below.show();
-    ASSERT_TRUE(PumpUntil([&] { return !orv::test::AllBlack(orv::test::GrabScreen(&below)); }));
-
-    VideoWindow window;
-    window.setGeometry(100, 100, 320, 240);
-    window.show();
-    EXPECT_TRUE(window.windowFlags() & Qt::FramelessWindowHint);
-    EXPECT_TRUE(window.windowFlags() & Qt::WindowStaysOnTopHint);
-    EXPECT_TRUE(PumpUntil([&] { return orv::test::AllBlack(orv::test::GrabScreen(&window)); }));
-
-    window.SetVideoVisible(true);
-    QWidget* picture = &window;
-    const QPointF local(50, 50);
-    const auto send = [&](QEvent::Type type, QPointF global, Qt::MouseButtons buttons) {
-        QMouseEvent event(type, local, global, Qt::LeftButton, buttons, Qt::NoModifier);
-        QApplication::sendEvent(picture, &event);
-    };
-    send(QEvent::MouseButtonPress, {150, 150}, Qt::LeftButton);
-    send(QEvent::MouseMove, {190, 210}, Qt::LeftButton);
-    send(QEvent::MouseButtonRelease, {190, 210}, Qt::NoButton);
-    send(QEvent::MouseMove, {400, 400}, Qt::NoButton);  // released: no more moving
-    EXPECT_EQ(window.pos(), QPoint(140, 160));
 }
 
 }  // namespace

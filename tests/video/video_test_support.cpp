@@ -16,55 +16,18 @@
 #include <unistd.h>
 
 #include "tests/support/test_support.h"
-#include "tests/support/xvfb_display.h"
+#include "tests/ui/gui_test_app.h"
 
 namespace orv::test {
 
-namespace {
-
-class GuiEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override {
-        if (qgetenv("QT_QPA_PLATFORM") != "offscreen") {
-            display_ = std::make_unique<XvfbDisplay>();
-            ASSERT_TRUE(display_->ok());
-        }
-        app_ = std::make_unique<QApplication>(argc_, argv_);
-        ASSERT_TRUE(EnsureGStreamer());
-    }
-    void TearDown() override {
-        app_.reset();
-        display_.reset();
-    }
-
-private:
-    int argc_ = 1;
-    char name_[16] = "video_tests";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<XvfbDisplay> display_;
-    std::unique_ptr<QApplication> app_;
-};
-
-}  // namespace
-
-void UseGuiEnvironment() {
-    // Several test files of one program ask for it; one display is enough.
-    static const bool registered = (::testing::AddGlobalTestEnvironment(new GuiEnvironment), true);
-    (void)registered;
-}
-
-bool PumpUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {
-    return Eventually(
-        [&] {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-            return condition();
-        },
-        timeout);
+void UseGui() {
+    GuiTestApp();
+    ASSERT_TRUE(EnsureGStreamer());
 }
 
 void PumpFor(std::chrono::milliseconds duration) {
     const auto end = std::chrono::steady_clock::now() + duration;
-    PumpUntil([&] { return std::chrono::steady_clock::now() >= end; }, duration * 2);
+    ProcessEventsUntil([&] { return std::chrono::steady_clock::now() >= end; }, duration * 2);
 }
 
 CaptureSources TestSources() {
@@ -249,19 +212,6 @@ std::string ThreadNames() {
         names += name + ";";
     }
     return names;
-}
-
-int OpenFdCount() {
-    return CountEntries("/proc/self/fd");
-}
-
-long ResidentKilobytes() {
-    malloc_trim(0);  // freed memory is not counted
-    std::ifstream statm("/proc/self/statm");
-    long size = 0;
-    long resident = 0;
-    statm >> size >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
 bool LibraryLoaded(const std::string& part) {

@@ -1,7 +1,8 @@
-// Helpers for the video tests: a private X server with a QApplication for the
-// whole test program, waiting while the GUI thread keeps handling events,
-// and looking into recorded files.
+// Helpers for the video tests: the shared GUI test application, test
+// sources, and looking into recorded files.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <QImage>
 
@@ -9,17 +10,17 @@
 #include <functional>
 #include <string>
 
+#include "tests/ui/gui_test_app.h"
 #include "video/capture_manager.h"
 
 namespace orv::test {
 
-// Registers the environment (once per program); call from a static
-// initialiser of each test file that needs it.
-void UseGuiEnvironment();
+// The shared display and application, with GStreamer ready.
+void UseGui();
+struct GuiTest : ::testing::Test {
+    GuiTest() { UseGui(); }
+};
 
-// Polls `condition` while the GUI thread handles its events.
-bool PumpUntil(const std::function<bool()>& condition,
-               std::chrono::milliseconds timeout = std::chrono::seconds(10));
 // Handles GUI events for `duration` (a clip's length is time by nature).
 void PumpFor(std::chrono::milliseconds duration);
 
@@ -57,9 +58,6 @@ QImage GrabScreen(const QWidget* window);
 
 int ThreadCount();
 std::string ThreadNames();  // for failure messages
-int OpenFdCount();
-// Memory in use, after returning what is free to the system.
-long ResidentKilobytes();
 // Shared libraries mapped into this process whose path contains `part`.
 bool LibraryLoaded(const std::string& part);
 

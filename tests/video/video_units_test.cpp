@@ -23,36 +23,12 @@ TEST(FrameSizeTest, Width320KeepsTheCamerasAspectWithAnEvenHeight) {
     EXPECT_EQ(ComputePreferredFrameSize(0, 0).width, 0);
 }
 
-TEST(FrameSizeTest, FirstCameraSizeIsKeptForTheProcess) {
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    EXPECT_EQ(CachedPreferredFrameSize().width, 0);
-    const FrameSize first = GetPreferredFrameSize(1280, 720);
-    const FrameSize second = GetPreferredFrameSize(640, 480);
-    ShowLog(false, false);
-    EXPECT_EQ(first.height, 180);
-    EXPECT_EQ(second.height, 180);
-    EXPECT_EQ(CachedPreferredFrameSize().height, 180);
-    EXPECT_EQ(orv::test::CountOf(out.Text(), "GetPreferedFrameSize: 320, 180\n"), 1u);
-}
-
 TEST(FrameSizeTest, BitRateComesFromTheCamerasOwnSizeAndRate) {
     EXPECT_EQ(GetEncodingBitrate({640, 480, 30, 1}), 3'072'000u);
     EXPECT_EQ(GetEncodingBitrate({1280, 720, 30, 1}), 9'216'000u);
     EXPECT_EQ(GetEncodingBitrate({640, 480, 15, 1}), 1'536'000u);
     EXPECT_EQ(GetEncodingBitrate({640, 480, 30000, 1001}), 3'068'931u);
     EXPECT_EQ(GetEncodingBitrate({640, 480, 30, 0}), 0u);
-}
-
-TEST(ContainerTest, OnlyLowerCaseMp4IsWritten) {
-    EXPECT_EQ(ContainerForPath("/home/u/.config/Orvane X/MyRecord0.mp4"), Container::Mp4);
-    EXPECT_EQ(ContainerForPath("clip.MP4"), Container::None);
-    EXPECT_EQ(ContainerForPath("clip.Mp4"), Container::None);
-    EXPECT_EQ(ContainerForPath("clip.wmv"), Container::None);
-    EXPECT_EQ(ContainerForPath("clip.wma"), Container::None);
-    EXPECT_EQ(ContainerForPath("/folder.mp4/clip"), Container::None);
-    EXPECT_EQ(PathExtension("a/b.tar.mp4"), ".mp4");
-    EXPECT_EQ(PathExtension("a.b/c"), "");
 }
 
 TEST(WindowPlacementTest, PreviewSitsRightOfTheWorkAreasMiddle) {
@@ -90,16 +66,6 @@ TEST(TaskThreadTest, RunsTasksInOrderAndFinishesTheQueueOnStop) {
     }
     EXPECT_TRUE(onWorker);
     EXPECT_FALSE(worker.IsCurrent());
-}
-
-TEST(SignalCounterTest, AnOldSignalDoesNotSatisfyANewWait) {
-    SignalCounter counter;
-    counter.Signal();
-    const uint64_t seen = counter.Count();
-    EXPECT_FALSE(counter.WaitBeyond(seen, std::chrono::milliseconds(20)));
-    std::thread signaller([&] { counter.Signal(); });
-    EXPECT_TRUE(counter.WaitBeyond(seen, std::chrono::seconds(5)));
-    signaller.join();
 }
 
 }  // namespace
