@@ -203,6 +203,10 @@ int ThreadCount() {
     return CountEntries("/proc/self/task");
 }
 
+int OpenFdCount() {
+    return CountEntries("/proc/self/fd");
+}
+
 std::string ThreadNames() {
     std::string names;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {

@@ -57,6 +57,7 @@ bool AllBlack(const QImage& image);
 QImage GrabScreen(const QWidget* window);
 
 int ThreadCount();
+int OpenFdCount();
 std::string ThreadNames();  // for failure messages
 // Shared libraries mapped into this process whose path contains `part`.
 bool LibraryLoaded(const std::string& part);
