@@ -85,7 +85,7 @@ QString OutcomeText(Orvane::ShotOutcome outcome) {
     if (outcome == Orvane::ShotOutcome::kSent) {
         return QCoreApplication::translate("orv::HistoryDialog", "sent");
     }
-    return QCoreApplication::translate("Orvane::ShotOutcome", Orvane::ShotOutcomeText(outcome));
+    return orv::OutcomeText(outcome);
 }
 
 }  // namespace

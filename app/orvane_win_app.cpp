@@ -58,8 +58,16 @@ std::filesystem::path HistoryFile() {
 
 int COrvaneWinApp::Run(int argc, char** argv) {
     const StartupOptions options = ParseStartupOptions(argc, argv);
-    if (options.help || options.version) {
-        std::fputs(options.help ? kUsageText : ("Orvane X " + GetVersion() + "\n").c_str(), stdout);
+    if (options.help) {
+        // The translations need an application, though nothing else runs.
+        const QCoreApplication app(argc, argv);
+        const UiTranslation translation(GetUserDefaultLanguageId());
+        std::fputs(QCoreApplication::translate("StartupOptions", kUsageText).toUtf8().constData(),
+                   stdout);
+        return 0;
+    }
+    if (options.version) {
+        std::fputs(("Orvane X " + GetVersion() + "\n").c_str(), stdout);
         return 0;
     }
     ApplyStartupOptions(options);

@@ -34,7 +34,19 @@ constexpr struct {
     {0x0F, QT_TRANSLATE_NOOP("ClubName", "Putter")},
 };
 
+// The session's own texts, marked here so that the translators see them.
+[[maybe_unused]] constexpr const char* kOutcomeTexts[] = {
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: no simulator connected"),
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: the simulator did not log us in"),
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: the simulator link failed"),
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: the simulator named no known club"),
+};
+
 }  // namespace
+
+QString OutcomeText(Orvane::ShotOutcome outcome) {
+    return QCoreApplication::translate("ShotOutcome", Orvane::ShotOutcomeText(outcome));
+}
 
 QString ClubName(int club) {
     for (const auto& entry : kClubNames) {

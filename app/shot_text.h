@@ -13,6 +13,9 @@ namespace orv {
 // speed 94.0" (numbers in the user's locale).
 QString ShotLine(const Orvane::LastShotInfo& shot);
 
+// Why a shot was not sent ("" for a sent shot).
+QString OutcomeText(Orvane::ShotOutcome outcome);
+
 // Display name of a club code ("3 Iron"), or "Club <n>" for an unknown code.
 QString ClubName(int club);
 
