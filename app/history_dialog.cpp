@@ -81,11 +81,11 @@ void AddAxes(QChart* chart, const QString& xTitle, const QString& yTitle) {
     }
 }
 
-QString OutcomeText(Orvane::ShotOutcome outcome) {
+QString RowOutcome(Orvane::ShotOutcome outcome) {
     if (outcome == Orvane::ShotOutcome::kSent) {
         return QCoreApplication::translate("orv::HistoryDialog", "sent");
     }
-    return orv::OutcomeText(outcome);
+    return OutcomeText(outcome);
 }
 
 }  // namespace
@@ -190,7 +190,7 @@ void HistoryDialog::FillClubChoices(const std::vector<history::ClubFigures>& fig
         clubFilter->removeItem(1);
     }
     for (const history::ClubFigures& club : figures) {
-        clubFilter->addItem(QString::fromStdString(ClubName(club.club)), club.club);
+        clubFilter->addItem(ClubName(club.club), club.club);
     }
     clubFilter->setCurrentIndex(std::max(0, clubFilter->findData(current)));
 }
@@ -208,10 +208,10 @@ void HistoryDialog::FillShots() {
         SetRow(shotTable, row,
                {QLocale().toString(QDateTime::fromMSecsSinceEpoch(shot.wallTimeMs),
                                    QLocale::ShortFormat),
-                QString::fromStdString(ClubName(shot.club)), Number(shot.ball.BallSpeed, 1),
+                ClubName(shot.club), Number(shot.ball.BallSpeed, 1),
                 Number(shot.ball.LaunchAngle, 1), Number(shot.ball.LaunchDirection, 1),
                 Number(shot.ball.BackSpin, 0), Number(shot.ball.SideSpin, 0),
-                Number(shot.clubData.ClubHeadSpeed, 1), OutcomeText(shot.outcome), clip});
+                Number(shot.clubData.ClubHeadSpeed, 1), RowOutcome(shot.outcome), clip});
     }
     shotTable->scrollToBottom();
 }
@@ -221,9 +221,9 @@ void HistoryDialog::FillFigures(const std::vector<history::ClubFigures>& figures
     int row = 0;
     for (const history::ClubFigures& club : figures) {
         SetRow(figureTable, row++,
-               {QString::fromStdString(ClubName(club.club)), QString::number(club.count),
-                Figure(club.ballSpeed, 1), Figure(club.launchAngle, 1), Figure(club.direction, 1),
-                Figure(club.backSpin, 0), Figure(club.sideSpin, 0), Figure(club.headSpeed, 1)});
+               {ClubName(club.club), QString::number(club.count), Figure(club.ballSpeed, 1),
+                Figure(club.launchAngle, 1), Figure(club.direction, 1), Figure(club.backSpin, 0),
+                Figure(club.sideSpin, 0), Figure(club.headSpeed, 1)});
     }
 }
 
@@ -239,7 +239,7 @@ void HistoryDialog::FillShapeChart() {
         QScatterSeries*& series = perClub[shot.club];
         if (series == nullptr) {
             series = new QScatterSeries;
-            series->setName(QString::fromStdString(ClubName(shot.club)));
+            series->setName(ClubName(shot.club));
             series->setMarkerSize(9);
         }
         series->append(shot.ball.SideSpin, shot.ball.LaunchDirection);

@@ -271,7 +271,7 @@
     </message>
     <message>
         <source>SIMULATOR COMPUTER</source>
-        <translation>シミュレーターPC</translation>
+        <translation>シミュレーター用パソコン</translation>
     </message>
     <message>
         <source>This computer</source>
