@@ -7,6 +7,7 @@
 #include "app/console_reporter.h"
 #include "app/main_dlg.h"
 #include "app/quit_signals.h"
+#include "app/shot_text.h"
 #include "app/simulator_host.h"
 #include "app/single_instance.h"
 #include "app/ui_translation.h"
@@ -39,8 +40,7 @@ void PrintSessionSummary(const orv::history::HistoryWriter& writer) {
     }
     orv::history::HistoryFilter filter;
     filter.session = writer.Session();
-    std::printf("%s\n", orv::history::SessionSummary(store->Figures(filter)).c_str());
-    std::fflush(stdout);
+    ConsoleReporter::Line(SessionSummary(store->Figures(filter)));
 }
 
 void Say(const char* text) {

@@ -343,6 +343,29 @@
     </message>
 </context>
 <context>
+    <name>SessionSummary</name>
+    <message>
+        <source>Session: no shots</source>
+        <translation>セッション: ショットなし</translation>
+    </message>
+    <message>
+        <source>%1 1 shot</source>
+        <translation>%1 1ショット</translation>
+    </message>
+    <message>
+        <source>%1 %2 shots</source>
+        <translation>%1 %2ショット</translation>
+    </message>
+    <message>
+        <source>%1, ball speed %2 ± %3, launch %4, direction %5, back spin %6, side spin %7, head speed %8</source>
+        <translation>%1、ボール初速 %2 ± %3、打ち出し角 %4、打ち出し方向 %5、バックスピン %6、サイドスピン %7、ヘッドスピード %8</translation>
+    </message>
+    <message>
+        <source>Session: %1</source>
+        <translation>セッション: %1</translation>
+    </message>
+</context>
+<context>
     <name>ShotLine</name>
     <message>
         <source>%1: ball speed %2, launch %3, direction %4, back spin %5, side spin %6, head speed %7</source>

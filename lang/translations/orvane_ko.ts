@@ -343,6 +343,29 @@
     </message>
 </context>
 <context>
+    <name>SessionSummary</name>
+    <message>
+        <source>Session: no shots</source>
+        <translation>세션: 샷 없음</translation>
+    </message>
+    <message>
+        <source>%1 1 shot</source>
+        <translation>%1 1샷</translation>
+    </message>
+    <message>
+        <source>%1 %2 shots</source>
+        <translation>%1 %2샷</translation>
+    </message>
+    <message>
+        <source>%1, ball speed %2 ± %3, launch %4, direction %5, back spin %6, side spin %7, head speed %8</source>
+        <translation>%1, 볼 스피드 %2 ± %3, 발사각 %4, 방향 %5, 백스핀 %6, 사이드 스핀 %7, 헤드 스피드 %8</translation>
+    </message>
+    <message>
+        <source>Session: %1</source>
+        <translation>세션: %1</translation>
+    </message>
+</context>
+<context>
     <name>ShotLine</name>
     <message>
         <source>%1: ball speed %2, launch %3, direction %4, back spin %5, side spin %6, head speed %7</source>
