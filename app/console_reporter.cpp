@@ -46,7 +46,7 @@ void ConsoleReporter::OnOrvShot() {
     const Orvane::LastShotInfo shot = manager_.GetLastShot();
     // Refused shots are not numbered: the simulator never saw them.
     if (shot.outcome == Orvane::ShotOutcome::kRefusedNotFinite) {
-        Line(QCoreApplication::translate("ShotOutcome", Orvane::ShotOutcomeText(shot.outcome)));
+        Line(OutcomeText(shot.outcome));
         return;
     }
     const int number = ++shots_;

@@ -81,11 +81,11 @@ void AddAxes(QChart* chart, const QString& xTitle, const QString& yTitle) {
     }
 }
 
-QString OutcomeText(Orvane::ShotOutcome outcome) {
+QString RowOutcome(Orvane::ShotOutcome outcome) {
     if (outcome == Orvane::ShotOutcome::kSent) {
         return QCoreApplication::translate("orv::HistoryDialog", "sent");
     }
-    return QCoreApplication::translate("Orvane::ShotOutcome", Orvane::ShotOutcomeText(outcome));
+    return OutcomeText(outcome);
 }
 
 }  // namespace
@@ -211,7 +211,7 @@ void HistoryDialog::FillShots() {
                 ClubName(shot.club), Number(shot.ball.BallSpeed, 1),
                 Number(shot.ball.LaunchAngle, 1), Number(shot.ball.LaunchDirection, 1),
                 Number(shot.ball.BackSpin, 0), Number(shot.ball.SideSpin, 0),
-                Number(shot.clubData.ClubHeadSpeed, 1), OutcomeText(shot.outcome), clip});
+                Number(shot.clubData.ClubHeadSpeed, 1), RowOutcome(shot.outcome), clip});
     }
     shotTable->scrollToBottom();
 }
@@ -221,9 +221,9 @@ void HistoryDialog::FillFigures(const std::vector<history::ClubFigures>& figures
     int row = 0;
     for (const history::ClubFigures& club : figures) {
         SetRow(figureTable, row++,
-               {ClubName(club.club), QString::number(club.count),
-                Figure(club.ballSpeed, 1), Figure(club.launchAngle, 1), Figure(club.direction, 1),
-                Figure(club.backSpin, 0), Figure(club.sideSpin, 0), Figure(club.headSpeed, 1)});
+               {ClubName(club.club), QString::number(club.count), Figure(club.ballSpeed, 1),
+                Figure(club.launchAngle, 1), Figure(club.direction, 1), Figure(club.backSpin, 0),
+                Figure(club.sideSpin, 0), Figure(club.headSpeed, 1)});
     }
 }
 

@@ -8,6 +8,7 @@
 #include "app/console_reporter.h"
 #include "app/main_dlg.h"
 #include "app/quit_signals.h"
+#include "app/shot_text.h"
 #include "app/simulator_host.h"
 #include "app/single_instance.h"
 #include "app/ui_translation.h"
@@ -40,8 +41,7 @@ void PrintSessionSummary(const orv::history::HistoryWriter& writer) {
     }
     orv::history::HistoryFilter filter;
     filter.session = writer.Session();
-    std::printf("%s\n", orv::history::SessionSummary(store->Figures(filter)).c_str());
-    std::fflush(stdout);
+    ConsoleReporter::Line(SessionSummary(store->Figures(filter)));
 }
 
 void Say(const char* text) {
@@ -59,8 +59,16 @@ std::filesystem::path HistoryFile() {
 
 int COrvaneWinApp::Run(int argc, char** argv) {
     const StartupOptions options = ParseStartupOptions(argc, argv);
-    if (options.help || options.version) {
-        std::fputs(options.help ? kUsageText : ("Orvane X " + GetVersion() + "\n").c_str(), stdout);
+    if (options.help) {
+        // The translations need an application, though nothing else runs.
+        const QCoreApplication app(argc, argv);
+        const UiTranslation translation(GetUserDefaultLanguageId());
+        std::fputs(QCoreApplication::translate("StartupOptions", kUsageText).toUtf8().constData(),
+                   stdout);
+        return 0;
+    }
+    if (options.version) {
+        std::fputs(("Orvane X " + GetVersion() + "\n").c_str(), stdout);
         return 0;
     }
     ApplyStartupOptions(options);

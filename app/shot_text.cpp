@@ -1,6 +1,8 @@
 #include "app/shot_text.h"
 
 #include <QCoreApplication>
+#include <QLocale>
+#include <QStringList>
 
 #include "ui/shot_panel.h"
 
@@ -34,7 +36,19 @@ constexpr struct {
     {0x0F, QT_TRANSLATE_NOOP("ClubName", "Putter")},
 };
 
+// The session's own texts, marked here so that the translators see them.
+[[maybe_unused]] constexpr const char* kOutcomeTexts[] = {
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: no simulator connected"),
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: the simulator did not log us in"),
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: the simulator link failed"),
+    QT_TRANSLATE_NOOP("ShotOutcome", "Shot not sent: the simulator named no known club"),
+};
+
 }  // namespace
+
+QString OutcomeText(Orvane::ShotOutcome outcome) {
+    return QCoreApplication::translate("ShotOutcome", Orvane::ShotOutcomeText(outcome));
+}
 
 QString ClubName(int club) {
     for (const auto& entry : kClubNames) {
@@ -63,6 +77,32 @@ QString ShotLine(const Orvane::LastShotInfo& shot) {
              OrvaneWinUI::ShotFigure(shot.ball.BackSpin, 0),
              OrvaneWinUI::ShotFigure(shot.ball.SideSpin, 0),
              OrvaneWinUI::ShotFigure(shot.clubData.ClubHeadSpeed, 1));
+}
+
+QString SessionSummary(const std::vector<history::ClubFigures>& figures) {
+    if (figures.empty()) {
+        return QCoreApplication::translate("SessionSummary", "Session: no shots");
+    }
+    QStringList clubs;
+    for (const history::ClubFigures& club : figures) {
+        const QString shots = club.count == 1
+                                  ? QCoreApplication::translate("SessionSummary", "%1 1 shot")
+                                        .arg(ClubName(club.club))
+                                  : QCoreApplication::translate("SessionSummary", "%1 %2 shots")
+                                        .arg(ClubName(club.club), QLocale().toString(club.count));
+        clubs << QCoreApplication::translate("SessionSummary",
+                                             "%1, ball speed %2 ± %3, launch %4, direction %5, "
+                                             "back spin %6, side spin %7, head speed %8")
+                     .arg(shots, OrvaneWinUI::ShotFigure(club.ballSpeed.mean, 1),
+                          OrvaneWinUI::ShotFigure(club.ballSpeed.deviation, 1),
+                          OrvaneWinUI::ShotFigure(club.launchAngle.mean, 1),
+                          OrvaneWinUI::ShotFigure(club.direction.mean, 1),
+                          OrvaneWinUI::ShotFigure(club.backSpin.mean, 0),
+                          OrvaneWinUI::ShotFigure(club.sideSpin.mean, 0),
+                          OrvaneWinUI::ShotFigure(club.headSpeed.mean, 1));
+    }
+    return QCoreApplication::translate("SessionSummary", "Session: %1")
+        .arg(clubs.join(QStringLiteral("; ")));
 }
 
 }  // namespace orv

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "history/history_store.h"
 #include "session/orv_manager.h"
 #include "ui/club_picker.h"
 
@@ -12,6 +13,13 @@ namespace orv {
 // "Driver: ball speed 139.1, launch 11.9, direction -2.0, back spin 2,600, side spin -350, head
 // speed 94.0" (numbers in the user's locale).
 QString ShotLine(const Orvane::LastShotInfo& shot);
+
+// "Session: Driver 12 shots, ball speed 124.5 ± 2.1, launch ...; 7 Iron 1 shot, ..." or
+// "Session: no shots".
+QString SessionSummary(const std::vector<history::ClubFigures>& figures);
+
+// Why a shot was not sent ("" for a sent shot).
+QString OutcomeText(Orvane::ShotOutcome outcome);
 
 // Display name of a club code ("3 Iron"), or "Club <n>" for an unknown code.
 QString ClubName(int club);

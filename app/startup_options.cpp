@@ -7,11 +7,15 @@
 #include <cstdio>
 #include <cstring>
 
+#include <QtGlobal>
+
 #include "common/debug_log.h"
 
 namespace orv {
 
-const char kUsageText[] =
+// Marked for the translators; the switch names stay as typed.
+const char kUsageText[] = QT_TRANSLATE_NOOP(
+    "StartupOptions",
     "Usage: OrvaneWin [-demo] [-console] [-debug] [-debug_packet] [-debug_file]\n"
     "Delivers the swings of an Orvane X sensor to the E6 golf simulator.\n"
     "\n"
@@ -24,7 +28,7 @@ const char kUsageText[] =
     "  --version      the program's version\n"
     "\n"
     "Settings: $XDG_CONFIG_HOME/Orvane X/settings.ini (section [E6], key Host:\n"
-    "the computer running the simulator; empty for this computer).\n";
+    "the computer running the simulator; empty for this computer).\n");
 
 StartupOptions ParseStartupOptions(int argc, const char* const* argv) {
     StartupOptions options;

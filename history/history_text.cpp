@@ -94,24 +94,4 @@ bool ExportHistoryFile(const std::filesystem::path& history, const std::filesyst
     return true;
 }
 
-std::string SessionSummary(const std::vector<ClubFigures>& figures) {
-    if (figures.empty()) {
-        return "Session: no shots";
-    }
-    std::string line = "Session:";
-    const char* separator = " ";
-    for (const ClubFigures& club : figures) {
-        line += separator + club.clubName + " " + std::to_string(club.count) +
-                (club.count == 1 ? " shot" : " shots") + ", ball speed " +
-                FixedText(club.ballSpeed.mean, 1) + " ± " + FixedText(club.ballSpeed.deviation, 1) +
-                ", launch " + FixedText(club.launchAngle.mean, 1) + ", direction " +
-                FixedText(club.direction.mean, 1) + ", back spin " +
-                FixedText(club.backSpin.mean, 0) + ", side spin " +
-                FixedText(club.sideSpin.mean, 0) + ", head speed " +
-                FixedText(club.headSpeed.mean, 1);
-        separator = "; ";
-    }
-    return line;
-}
-
 }  // namespace orv::history

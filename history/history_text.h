@@ -20,8 +20,4 @@ void WriteCsv(const std::vector<HistoryRow>& rows, std::ostream& out);
 // Writes every shot of the file at `history` into `csv`; false with one log line on failure.
 bool ExportHistoryFile(const std::filesystem::path& history, const std::filesystem::path& csv);
 
-// "Session: Driver 12 shots, ball speed 124.5 ± 2.1 mph, ...; 7 Iron 3 shots, ..." or
-// "Session: no shots".
-std::string SessionSummary(const std::vector<ClubFigures>& figures);
-
 }  // namespace orv::history

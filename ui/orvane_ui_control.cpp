@@ -160,11 +160,11 @@ QWidget* OrvaneUIControl::MakeHostCard() {
     auto* layout = new QVBoxLayout(card);
     layout->setContentsMargins(16, 12, 16, 12);
     layout->setSpacing(8);
-    auto* caption = new QLabel("SIMULATOR COMPUTER");
+    auto* caption = new QLabel(tr("SIMULATOR COMPUTER"));
     caption->setObjectName("caption");
     tbE6Host = new QLineEdit;
-    tbE6Host->setPlaceholderText("This computer");
-    tbE6Host->setToolTip("Host name or IPv4 address of the computer running E6");
+    tbE6Host->setPlaceholderText(tr("This computer"));
+    tbE6Host->setToolTip(tr("Host name or IPv4 address of the computer running E6"));
     caption->setBuddy(tbE6Host);
     layout->addStretch(1);
     layout->addWidget(caption);

@@ -265,6 +265,22 @@
         <source>Exit</source>
         <translation>종료</translation>
     </message>
+    <message>
+        <source>History</source>
+        <translation>기록</translation>
+    </message>
+    <message>
+        <source>SIMULATOR COMPUTER</source>
+        <translation>시뮬레이터 컴퓨터</translation>
+    </message>
+    <message>
+        <source>This computer</source>
+        <translation>이 컴퓨터</translation>
+    </message>
+    <message>
+        <source>Host name or IPv4 address of the computer running E6</source>
+        <translation>E6를 실행하는 컴퓨터의 호스트 이름 또는 IPv4 주소</translation>
+    </message>
 </context>
 <context>
     <name>OrvaneWinUI::ShotPanel</name>
@@ -327,10 +343,219 @@
     </message>
 </context>
 <context>
+    <name>SessionSummary</name>
+    <message>
+        <source>Session: no shots</source>
+        <translation>세션: 샷 없음</translation>
+    </message>
+    <message>
+        <source>%1 1 shot</source>
+        <translation>%1 1샷</translation>
+    </message>
+    <message>
+        <source>%1 %2 shots</source>
+        <translation>%1 %2샷</translation>
+    </message>
+    <message>
+        <source>%1, ball speed %2 ± %3, launch %4, direction %5, back spin %6, side spin %7, head speed %8</source>
+        <translation>%1, 볼 스피드 %2 ± %3, 발사각 %4, 방향 %5, 백스핀 %6, 사이드 스핀 %7, 헤드 스피드 %8</translation>
+    </message>
+    <message>
+        <source>Session: %1</source>
+        <translation>세션: %1</translation>
+    </message>
+</context>
+<context>
     <name>ShotLine</name>
     <message>
         <source>%1: ball speed %2, launch %3, direction %4, back spin %5, side spin %6, head speed %7</source>
         <translation>%1: 볼 스피드 %2, 발사각 %3, 방향 %4, 백스핀 %5, 사이드 스핀 %6, 헤드 스피드 %7</translation>
+    </message>
+</context>
+<context>
+    <name>ShotOutcome</name>
+    <message>
+        <source>Shot not sent: no simulator connected</source>
+        <translation>샷 전송 안 됨: 연결된 시뮬레이터가 없습니다</translation>
+    </message>
+    <message>
+        <source>Shot not sent: the simulator did not log us in</source>
+        <translation>샷 전송 안 됨: 시뮬레이터에 로그인하지 못했습니다</translation>
+    </message>
+    <message>
+        <source>Shot not sent: the simulator link failed</source>
+        <translation>샷 전송 안 됨: 시뮬레이터와의 연결에 실패했습니다</translation>
+    </message>
+    <message>
+        <source>Shot not sent: the simulator named no known club</source>
+        <translation>샷 전송 안 됨: 시뮬레이터가 알 수 없는 클럽을 지정했습니다</translation>
+    </message>
+</context>
+<context>
+    <name>StartupOptions</name>
+    <message>
+        <source>Usage: OrvaneWin [-demo] [-console] [-debug] [-debug_packet] [-debug_file]
+Delivers the swings of an Orvane X sensor to the E6 golf simulator.
+
+  -demo          an in-process demo sensor that swings by itself
+  -console       no window: states and one line per shot on standard output
+  -debug         log lines on standard output
+  -debug_packet  sensor frames and simulator messages on standard output
+  -debug_file    with -debug or -debug_packet: the log goes to log.txt
+  -h, --help     this text
+  --version      the program&apos;s version
+
+Settings: $XDG_CONFIG_HOME/Orvane X/settings.ini (section [E6], key Host:
+the computer running the simulator; empty for this computer).
+</source>
+        <translation>사용법: OrvaneWin [-demo] [-console] [-debug] [-debug_packet] [-debug_file]
+Orvane X 센서의 스윙을 E6 골프 시뮬레이터로 보냅니다.
+
+  -demo          스스로 스윙하는 내장 데모 센서
+  -console       창 없음: 상태와 샷마다 한 줄을 표준 출력에 표시
+  -debug         로그를 표준 출력에 표시
+  -debug_packet  센서 프레임과 시뮬레이터 메시지를 표준 출력에 표시
+  -debug_file    -debug 또는 -debug_packet과 함께 사용: 로그를 log.txt에 기록
+  -h, --help     이 도움말
+  --version      프로그램 버전
+
+설정: $XDG_CONFIG_HOME/Orvane X/settings.ini ([E6] 섹션의 Host 키:
+시뮬레이터를 실행하는 컴퓨터. 이 컴퓨터이면 비워 둡니다).
+</translation>
+    </message>
+</context>
+<context>
+    <name>orv::CMainDlg</name>
+    <message>
+        <source>Shot not sent: the simulator named no known club</source>
+        <translation>샷 전송 안 됨: 시뮬레이터가 알 수 없는 클럽을 지정했습니다</translation>
+    </message>
+</context>
+<context>
+    <name>orv::HistoryDialog</name>
+    <message>
+        <source>sent</source>
+        <translation>전송됨</translation>
+    </message>
+    <message>
+        <source>Shot history</source>
+        <translation>샷 기록</translation>
+    </message>
+    <message>
+        <source>All clubs</source>
+        <translation>모든 클럽</translation>
+    </message>
+    <message>
+        <source>Club</source>
+        <translation>클럽</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>시작일</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>종료일</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>시간</translation>
+    </message>
+    <message>
+        <source>Ball speed</source>
+        <translation>볼 스피드</translation>
+    </message>
+    <message>
+        <source>Launch</source>
+        <translation>발사각</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>방향</translation>
+    </message>
+    <message>
+        <source>Back spin</source>
+        <translation>백스핀</translation>
+    </message>
+    <message>
+        <source>Side spin</source>
+        <translation>사이드 스핀</translation>
+    </message>
+    <message>
+        <source>Head speed</source>
+        <translation>헤드 스피드</translation>
+    </message>
+    <message>
+        <source>Shot</source>
+        <translation>샷</translation>
+    </message>
+    <message>
+        <source>Clip</source>
+        <translation>영상</translation>
+    </message>
+    <message>
+        <source>Shots</source>
+        <translation>샷 목록</translation>
+    </message>
+    <message>
+        <source>Shot shape: launch direction against side spin</source>
+        <translation>구질: 발사 방향과 사이드 스핀</translation>
+    </message>
+    <message>
+        <source>Ball speed over the session</source>
+        <translation>세션 중 볼 스피드 변화</translation>
+    </message>
+    <message>
+        <source>Per club</source>
+        <translation>클럽별</translation>
+    </message>
+    <message>
+        <source>Shot shape</source>
+        <translation>구질</translation>
+    </message>
+    <message>
+        <source>Replay clip</source>
+        <translation>영상 재생</translation>
+    </message>
+    <message>
+        <source>Export selected…</source>
+        <translation>선택한 샷 내보내기…</translation>
+    </message>
+    <message>
+        <source>Export all…</source>
+        <translation>모두 내보내기…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>닫기</translation>
+    </message>
+    <message>
+        <source>gone</source>
+        <translation>삭제됨</translation>
+    </message>
+    <message>
+        <source>Side spin (rpm)</source>
+        <translation>사이드 스핀 (rpm)</translation>
+    </message>
+    <message>
+        <source>Launch direction (deg)</source>
+        <translation>발사 방향 (°)</translation>
+    </message>
+    <message>
+        <source>Ball speed (mph)</source>
+        <translation>볼 스피드 (mph)</translation>
+    </message>
+    <message>
+        <source>Export shots</source>
+        <translation>샷 내보내기</translation>
+    </message>
+    <message>
+        <source>CSV files (*.csv)</source>
+        <translation>CSV 파일 (*.csv)</translation>
+    </message>
+    <message>
+        <source>The file could not be written.</source>
+        <translation>파일을 쓸 수 없습니다.</translation>
     </message>
 </context>
 </TS>

@@ -265,6 +265,22 @@
         <source>Exit</source>
         <translation>退出</translation>
     </message>
+    <message>
+        <source>History</source>
+        <translation>历史记录</translation>
+    </message>
+    <message>
+        <source>SIMULATOR COMPUTER</source>
+        <translation>模拟器电脑</translation>
+    </message>
+    <message>
+        <source>This computer</source>
+        <translation>本机</translation>
+    </message>
+    <message>
+        <source>Host name or IPv4 address of the computer running E6</source>
+        <translation>运行 E6 的计算机的主机名或 IPv4 地址</translation>
+    </message>
 </context>
 <context>
     <name>OrvaneWinUI::ShotPanel</name>
@@ -327,10 +343,219 @@
     </message>
 </context>
 <context>
+    <name>SessionSummary</name>
+    <message>
+        <source>Session: no shots</source>
+        <translation>本次练习：无击球</translation>
+    </message>
+    <message>
+        <source>%1 1 shot</source>
+        <translation>%1 1 次击球</translation>
+    </message>
+    <message>
+        <source>%1 %2 shots</source>
+        <translation>%1 %2 次击球</translation>
+    </message>
+    <message>
+        <source>%1, ball speed %2 ± %3, launch %4, direction %5, back spin %6, side spin %7, head speed %8</source>
+        <translation>%1，球速 %2 ± %3，起飞角 %4，方向 %5，后旋 %6，侧旋 %7，杆头速度 %8</translation>
+    </message>
+    <message>
+        <source>Session: %1</source>
+        <translation>本次练习：%1</translation>
+    </message>
+</context>
+<context>
     <name>ShotLine</name>
     <message>
         <source>%1: ball speed %2, launch %3, direction %4, back spin %5, side spin %6, head speed %7</source>
         <translation>%1：球速 %2，起飞角 %3，方向 %4，后旋 %5，侧旋 %6，杆头速度 %7</translation>
+    </message>
+</context>
+<context>
+    <name>ShotOutcome</name>
+    <message>
+        <source>Shot not sent: no simulator connected</source>
+        <translation>击球未发送：未连接模拟器</translation>
+    </message>
+    <message>
+        <source>Shot not sent: the simulator did not log us in</source>
+        <translation>击球未发送：未能登录模拟器</translation>
+    </message>
+    <message>
+        <source>Shot not sent: the simulator link failed</source>
+        <translation>击球未发送：与模拟器的连接失败</translation>
+    </message>
+    <message>
+        <source>Shot not sent: the simulator named no known club</source>
+        <translation>击球未发送：模拟器指定了未知球杆</translation>
+    </message>
+</context>
+<context>
+    <name>StartupOptions</name>
+    <message>
+        <source>Usage: OrvaneWin [-demo] [-console] [-debug] [-debug_packet] [-debug_file]
+Delivers the swings of an Orvane X sensor to the E6 golf simulator.
+
+  -demo          an in-process demo sensor that swings by itself
+  -console       no window: states and one line per shot on standard output
+  -debug         log lines on standard output
+  -debug_packet  sensor frames and simulator messages on standard output
+  -debug_file    with -debug or -debug_packet: the log goes to log.txt
+  -h, --help     this text
+  --version      the program&apos;s version
+
+Settings: $XDG_CONFIG_HOME/Orvane X/settings.ini (section [E6], key Host:
+the computer running the simulator; empty for this computer).
+</source>
+        <translation>用法: OrvaneWin [-demo] [-console] [-debug] [-debug_packet] [-debug_file]
+将 Orvane X 传感器的挥杆发送到 E6 高尔夫模拟器。
+
+  -demo          内置的演示传感器，自动挥杆
+  -console       不显示窗口：在标准输出上显示状态，每次击球一行
+  -debug         在标准输出上显示日志
+  -debug_packet  在标准输出上显示传感器数据帧和模拟器消息
+  -debug_file    与 -debug 或 -debug_packet 一起使用：日志写入 log.txt
+  -h, --help     显示本帮助
+  --version      显示程序版本
+
+设置：$XDG_CONFIG_HOME/Orvane X/settings.ini（[E6] 节的 Host 键：
+运行模拟器的计算机；本机则留空）。
+</translation>
+    </message>
+</context>
+<context>
+    <name>orv::CMainDlg</name>
+    <message>
+        <source>Shot not sent: the simulator named no known club</source>
+        <translation>击球未发送：模拟器指定了未知球杆</translation>
+    </message>
+</context>
+<context>
+    <name>orv::HistoryDialog</name>
+    <message>
+        <source>sent</source>
+        <translation>已发送</translation>
+    </message>
+    <message>
+        <source>Shot history</source>
+        <translation>击球记录</translation>
+    </message>
+    <message>
+        <source>All clubs</source>
+        <translation>全部球杆</translation>
+    </message>
+    <message>
+        <source>Club</source>
+        <translation>球杆</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>起始日期</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>结束日期</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>时间</translation>
+    </message>
+    <message>
+        <source>Ball speed</source>
+        <translation>球速</translation>
+    </message>
+    <message>
+        <source>Launch</source>
+        <translation>起飞角</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>方向</translation>
+    </message>
+    <message>
+        <source>Back spin</source>
+        <translation>后旋</translation>
+    </message>
+    <message>
+        <source>Side spin</source>
+        <translation>侧旋</translation>
+    </message>
+    <message>
+        <source>Head speed</source>
+        <translation>杆头速度</translation>
+    </message>
+    <message>
+        <source>Shot</source>
+        <translation>击球</translation>
+    </message>
+    <message>
+        <source>Clip</source>
+        <translation>视频</translation>
+    </message>
+    <message>
+        <source>Shots</source>
+        <translation>击球列表</translation>
+    </message>
+    <message>
+        <source>Shot shape: launch direction against side spin</source>
+        <translation>球路：起飞方向与侧旋</translation>
+    </message>
+    <message>
+        <source>Ball speed over the session</source>
+        <translation>本次练习的球速变化</translation>
+    </message>
+    <message>
+        <source>Per club</source>
+        <translation>按球杆</translation>
+    </message>
+    <message>
+        <source>Shot shape</source>
+        <translation>球路</translation>
+    </message>
+    <message>
+        <source>Replay clip</source>
+        <translation>播放视频</translation>
+    </message>
+    <message>
+        <source>Export selected…</source>
+        <translation>导出所选…</translation>
+    </message>
+    <message>
+        <source>Export all…</source>
+        <translation>全部导出…</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>gone</source>
+        <translation>已删除</translation>
+    </message>
+    <message>
+        <source>Side spin (rpm)</source>
+        <translation>侧旋 (rpm)</translation>
+    </message>
+    <message>
+        <source>Launch direction (deg)</source>
+        <translation>起飞方向 (°)</translation>
+    </message>
+    <message>
+        <source>Ball speed (mph)</source>
+        <translation>球速 (mph)</translation>
+    </message>
+    <message>
+        <source>Export shots</source>
+        <translation>导出击球数据</translation>
+    </message>
+    <message>
+        <source>CSV files (*.csv)</source>
+        <translation>CSV 文件 (*.csv)</translation>
+    </message>
+    <message>
+        <source>The file could not be written.</source>
+        <translation>无法写入文件。</translation>
     </message>
 </context>
 </TS>

@@ -1,4 +1,4 @@
-// The main window in each language the program carries, with a shot on it:
+// The main window and its history window in each language the program carries, with a shot on it:
 // nothing left in English, nothing cut at the fixed size, figures in the
 // user's locale.
 #include <QAbstractButton>
@@ -7,9 +7,12 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QRegularExpression>
+#include <QTabWidget>
+#include <QTableWidget>
 
 #include <fstream>
 
+#include "app/history_dialog.h"
 #include "app/main_dlg.h"
 #include "app/ui_translation.h"
 #include "common/settings.h"
@@ -89,7 +92,9 @@ TEST_P(UiLanguageTest, WholeWindowInTheLanguageAndNothingCut) {
                     .contains(language.decimalPoint));
     EXPECT_EQ(dialog->size(), QSize(CMainDlg::kWidth, CMainDlg::kHeight));
 
-    QStringList texts = {dialog->windowTitle()};
+    // A child of the window, so the one walk below covers it too.
+    const HistoryDialog* history = dialog->OpenHistory();
+    QStringList texts = {dialog->windowTitle(), history->windowTitle()};
     for (QWidget* widget : dialog->findChildren<QWidget*>()) {
         if (!widget->isVisible()) {
             continue;
@@ -111,6 +116,14 @@ TEST_P(UiLanguageTest, WholeWindowInTheLanguageAndNothingCut) {
             EXPECT_LE(box->sizeHint().width(), box->width()) << where(box->currentText());
         } else if (auto* group = qobject_cast<QGroupBox*>(widget)) {
             texts << group->title();
+        } else if (auto* tabs = qobject_cast<QTabWidget*>(widget)) {
+            for (int i = 0; i < tabs->count(); ++i) {
+                texts << tabs->tabText(i);
+            }
+        } else if (auto* table = qobject_cast<QTableWidget*>(widget)) {
+            for (int i = 0; i < table->columnCount(); ++i) {
+                texts << table->horizontalHeaderItem(i)->text();
+            }
         }
     }
     const bool english = language.id == 1033 || language.id == 1031;
