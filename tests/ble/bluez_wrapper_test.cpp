@@ -83,11 +83,12 @@ TEST(BluezWrapper, LinkTroubleIsReportedAndLivedThrough) {
             EXPECT_FALSE(rig.wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3));
             device.FailWrites(false);
         }
-        ASSERT_TRUE(rig.WaitState(3));
         // Each scan while away is told again.
-        States states = rig.owner.States();
-        states.erase(std::unique(states.begin(), states.end()), states.end());
-        EXPECT_EQ(states, (States{1, 2, 3, 0, 1, 2, 3}));
+        EXPECT_TRUE(Eventually([&] {
+            States states = rig.owner.States();
+            states.erase(std::unique(states.begin(), states.end()), states.end());
+            return states == States{1, 2, 3, 0, 1, 2, 3};
+        })) << ::testing::PrintToString(rig.owner.States());
         EXPECT_EQ(device.StopNotifyCalls(), c.stopNotifies);
         EXPECT_EQ(device.DisconnectCalls(), c.disconnects);
         EXPECT_TRUE(rig.Answers());

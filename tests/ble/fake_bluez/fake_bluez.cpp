@@ -136,9 +136,6 @@ void FakeBluez::AddAdapter(const std::string& name, bool powered) {
                       static_cast<unsigned>(adapters_.size()));
         adapter->address = address;
         adapter->powered = powered;
-        if (connection_) {
-            RegisterAdapter(*adapter);
-        }
         std::lock_guard lock(bus_.mutex);
         adapters_.push_back(std::move(adapter));
     });
@@ -223,19 +220,6 @@ void FakeBluez::RegisterAdapter(Adapter& adapter) {
         return !adapter.clients.empty();
     });
     o.finishRegistration();
-    if (root_) {
-        bool powered = false;
-        {
-            std::lock_guard lock(bus_.mutex);
-            powered = adapter.powered;
-        }
-        if (running_) {
-            bus_.EmitInterfacesAdded(adapter.path, {{kAdapterInterface,
-                                                     {{"Address", sdbus::Variant(adapter.address)},
-                                                      {"Powered", sdbus::Variant(powered)},
-                                                      {"Discovering", sdbus::Variant(false)}}}});
-        }
-    }
 }
 
 void FakeBluez::RegisterAgentManager() {

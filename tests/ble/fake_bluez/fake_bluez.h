@@ -38,6 +38,7 @@ public:
     // bluetoothd leaves: its connection closes with all its objects.
     void Stop();
 
+    // Before Start.
     void AddAdapter(const std::string& name = "hci0", bool powered = true);
     void SetPowered(const std::string& name, bool powered);
     FakeDevice& AddDevice(const FakeDeviceConfig& config, const std::string& adapter = "hci0");
