@@ -85,6 +85,9 @@ TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     }
     EXPECT_EQ(CountOf(log.Text(), " refused, device:c0de5e450099\n"), 7u);
     EXPECT_EQ(CountOf(log.Text(), ")] Service authorization refused, device:c0de5e450001\n"), 1u);
+    // The answers are the wrapper's, logged as it gives them.
+    EXPECT_EQ(CountOf(log.Text(), ")] wclBthPasskeyRequest Pass key: 482913\n"), 2u);
+    EXPECT_EQ(CountOf(log.Text(), ")] wclBthPinRequest Pin: 7316\n"), 1u);
 
     // Once its link is gone, the sensor is no longer answered either.
     sensor.SetInRange(false);

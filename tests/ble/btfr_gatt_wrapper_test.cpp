@@ -277,24 +277,6 @@ TEST_F(WrapperTest, StopTwiceAndNoCallbackAfterStop) {
     ASSERT_TRUE(WaitState(3));
 }
 
-TEST_F(WrapperTest, PairingRequestsGetTheFixedAnswers) {
-    Build({Peripheral(kFirst, "orvane-demo")});
-    LogCapture log;
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    uint32_t passkey = 0;
-    std::string pin;
-    bool confirm = false;
-    ASSERT_TRUE(stack_->AskPasskey(passkey));
-    ASSERT_TRUE(stack_->AskPin(pin));
-    ASSERT_TRUE(stack_->AskConfirmation(123456, confirm));
-    EXPECT_EQ(passkey, 482913u);
-    EXPECT_EQ(pin, "7316");
-    EXPECT_TRUE(confirm);
-    EXPECT_NE(log.Text().find(")] wclBthPasskeyRequest Pass key: 482913\n"), std::string::npos);
-    EXPECT_NE(log.Text().find(")] wclBthPinRequest Pin: 7316\n"), std::string::npos);
-}
-
 TEST(DemoStack, OffersOneAnsweringSensorNamedOrvaneDemo) {
     RecordingOwner owner;
     auto wrapper = MakeSensorWrapper(MakeDemoStack(), owner, {20ms, 40ms});
