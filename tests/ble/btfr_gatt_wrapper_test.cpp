@@ -222,21 +222,6 @@ TEST_F(WrapperTest, LinkLossAndFailedWriteReportZeroAndReconnect) {
     EXPECT_EQ(CountOf(text, ")] wclGattClientDisconnect reson:0005100c\n"), 1u);
 }
 
-TEST_F(WrapperTest, SensorOutOfRangeIsMissedUntilItComesBack) {
-    VirtualPeripheral peripheral = Peripheral(kFirst, "orvane-demo");
-    auto sensor = peripheral.sensor;
-    Build({peripheral});
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    sensor->DropLink();
-    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1}));
-    const int scans = stack_->DiscoveryCount();
-    ASSERT_TRUE(Eventually([&] { return stack_->DiscoveryCount() >= scans + 3; }));
-    EXPECT_EQ(stack_->ConnectAttempts().size(), 1u);  // nothing found while away
-    sensor->ComeBack();
-    ASSERT_TRUE(WaitState(3));
-}
-
 TEST_F(WrapperTest, WriteWhileNotConnectedFailsWithoutDisconnecting) {
     Build({});
     wrapper_->SetTiming({std::chrono::seconds(10), 20ms});  // idle after the first scan

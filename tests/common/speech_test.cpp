@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "common/debug_log.h"
-#include "common/language_id.h"
 #include "common/settings.h"
 #include "common/string_res.h"
 #include "tests/common/env_var.h"
@@ -35,6 +34,10 @@ struct Played {
     size_t Count() {
         std::lock_guard lock(mutex);
         return clips.size();
+    }
+    bool Playing() {
+        std::lock_guard lock(mutex);
+        return playing;
     }
     void SetGate(bool open) {
         {
@@ -119,10 +122,7 @@ TEST_F(Speech, AnnouncementsAreQueuedInOrderWithoutBlockingTheCaller) {
     for (const auto& text : texts) {
         TTS_Speak(text);  // returns although the output is held
     }
-    ASSERT_TRUE(Eventually([&] {
-        std::lock_guard lock(played->mutex);
-        return played->playing;
-    }));
+    ASSERT_TRUE(Eventually([&] { return played->Playing(); }));
     EXPECT_EQ(played->Count(), 0u);
     played->SetGate(true);
     ASSERT_TRUE(Eventually([&] { return played->Count() == texts.size(); }));
@@ -158,10 +158,7 @@ TEST_F(Speech, DeInitCutsTheCurrentAnnouncementShort) {
     played->SetGate(false);
     TTS_Speak("Sensor battery is low. Please charge it soon.");
     TTS_Speak("Ready.");
-    ASSERT_TRUE(Eventually([&] {
-        std::lock_guard lock(played->mutex);
-        return played->playing;
-    }));
+    ASSERT_TRUE(Eventually([&] { return played->Playing(); }));
     TTS_DeInit();
     std::lock_guard lock(played->mutex);
     EXPECT_TRUE(played->stoppedEarly);
