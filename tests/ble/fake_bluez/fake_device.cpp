@@ -461,10 +461,6 @@ bool FakeDevice::InRange() const {
     return inRange_ && (!config_.sensor || config_.sensor->InRange());
 }
 
-bool FakeDevice::Exported() const {
-    return Locked(exported_);
-}
-
 void FakeDevice::SensorNotify(const SensorFrame& frame) {
     bus_.Post([this, frame] { NotifyOn(ByUuid(kSensorNotifyUuid), frame); });
 }
@@ -563,10 +559,6 @@ void FakeDevice::FailWrites(bool fail) {
     failWrites_ = fail;
 }
 
-bool FakeDevice::Connected() const {
-    return Locked(connected_);
-}
-
 bool FakeDevice::Notifying() const {
     std::lock_guard lock(bus_.mutex);
     for (const auto& characteristic : characteristics_) {
@@ -575,30 +567,6 @@ bool FakeDevice::Notifying() const {
         }
     }
     return false;
-}
-
-int FakeDevice::ConnectCalls() const {
-    return Locked(connectCalls_);
-}
-
-int FakeDevice::DisconnectCalls() const {
-    return Locked(disconnectCalls_);
-}
-
-int FakeDevice::StartNotifyCalls() const {
-    return Locked(startNotifyCalls_);
-}
-
-int FakeDevice::StopNotifyCalls() const {
-    return Locked(stopNotifyCalls_);
-}
-
-std::vector<FakeWrite> FakeDevice::Writes() const {
-    return Locked(writes_);
-}
-
-std::string FakeDevice::PairingAnswer() const {
-    return Locked(pairingAnswer_);
 }
 
 }  // namespace orv::test

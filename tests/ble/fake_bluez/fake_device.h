@@ -70,18 +70,19 @@ public:
     void FailWrites(bool fail);
 
     // Observation.
-    bool Connected() const;
+    bool Connected() const { return Locked(connected_); }
     bool Notifying() const;  // on the first notifying characteristic
-    int ConnectCalls() const;
-    int DisconnectCalls() const;
-    int StartNotifyCalls() const;
-    int StopNotifyCalls() const;
-    std::vector<FakeWrite> Writes() const;
-    std::string PairingAnswer() const;  // what the agent answered on Connect, or "refused"
+    int ConnectCalls() const { return Locked(connectCalls_); }
+    int DisconnectCalls() const { return Locked(disconnectCalls_); }
+    int StartNotifyCalls() const { return Locked(startNotifyCalls_); }
+    int StopNotifyCalls() const { return Locked(stopNotifyCalls_); }
+    std::vector<FakeWrite> Writes() const { return Locked(writes_); }
+    // What the agent answered on Connect, or "refused".
+    std::string PairingAnswer() const { return Locked(pairingAnswer_); }
 
     // For the fake service, on its worker.
     bool InRange() const;
-    bool Exported() const;
+    bool Exported() const { return Locked(exported_); }
     void Export();                // the Device1 object, without a signal
     void LinkAtStart();           // as connectedAtStart asks, before org.bluez is taken
     void Announce(int16_t rssi);  // new: InterfacesAdded; known: RSSI changed by 8 dBm or more
