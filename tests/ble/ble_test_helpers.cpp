@@ -1,11 +1,6 @@
 #include "tests/ble/ble_test_helpers.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cstdio>
-
-#include "common/debug_log.h"
 
 void RecordingOwner::OnBthConnectionState(int32_t state) {
     std::lock_guard lock(mutex_);
@@ -22,21 +17,9 @@ std::vector<int32_t> RecordingOwner::States() const {
     return states_;
 }
 
-std::vector<int32_t> RecordingOwner::StatesFrom(size_t skip) const {
-    std::lock_guard lock(mutex_);
-    return skip >= states_.size()
-               ? std::vector<int32_t>{}
-               : std::vector<int32_t>(states_.begin() + static_cast<long>(skip), states_.end());
-}
-
 std::vector<std::vector<uint8_t>> RecordingOwner::Data() const {
     std::lock_guard lock(mutex_);
     return data_;
-}
-
-size_t RecordingOwner::DataCount() const {
-    std::lock_guard lock(mutex_);
-    return data_.size();
 }
 
 size_t RecordingOwner::CallCount() const {

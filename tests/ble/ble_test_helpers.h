@@ -28,12 +28,9 @@ public:
 
     std::vector<int32_t> States() const;
     std::vector<std::vector<uint8_t>> Data() const;
-    size_t DataCount() const;
     size_t CallCount() const;
     // True when the data received so far holds `frame`.
     bool Received(const std::vector<uint8_t>& frame) const;
-    // States seen after the first `skip` ones.
-    std::vector<int32_t> StatesFrom(size_t skip) const;
     void Clear();
 
 private:

@@ -2,56 +2,16 @@
 // the sensor, another program scans, other devices pair, a connect hangs.
 #include <gtest/gtest.h>
 
-#include "ble/bluez/make_bluez_stack.h"
-#include "tests/ble/ble_test_helpers.h"
-#include "tests/ble/fake_bluez/fake_bluez.h"
-#include "tests/ble/fake_bluez/private_system_bus.h"
+#include "tests/ble/bluez_rig.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using orv::test::CountOf;
 using orv::test::Eventually;
-using orv::test::FakeBluez;
 using orv::test::FakeDevice;
 using orv::test::FakeDeviceConfig;
 using States = std::vector<int32_t>;
-
-FakeDeviceConfig Sensor() {
-    return {.address = "C0:DE:5E:45:00:01",
-            .name = "orvane-demo",
-            .sensor = QuickSensor("orvane-demo")};
-}
-
-// A fresh bluetoothd with one adapter per case; the wrapper starts last.
-struct Machine {
-    orv::test::PrivateSystemBus bus;  // outlives every client of the bus
-    FakeBluez bluez;
-    RecordingOwner owner;
-    std::unique_ptr<BtfrGattWrapper> wrapper;
-
-    Machine() { bluez.AddAdapter(); }
-    ~Machine() {
-        if (wrapper) {
-            wrapper->Stop();
-        }
-    }
-    bool Start(std::chrono::milliseconds connectLimit) {
-        BluezTiming timing;
-        timing.connect = connectLimit;
-        timing.adapterWait = 100ms;
-        if (!bus.ok() || !bluez.Start()) {
-            return false;
-        }
-        wrapper = MakeSensorWrapper(MakeBluezStack(timing), owner, {50ms, 200ms});
-        wrapper->Start();
-        return true;
-    }
-    bool Answers() {
-        return wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3) &&
-               Eventually([&] { return owner.Received(kFirmwareAnswer); });
-    }
-};
 
 TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
     struct Case {
@@ -71,16 +31,16 @@ TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        Machine machine;
-        FakeDeviceConfig config = Sensor();
+        BluezRig machine;
+        FakeDeviceConfig config = SensorDevice();
         config.connectedAtStart = c.connectedAtStart;
         config.hangingConnects = c.hangingConnects;
         FakeDevice& sensor = machine.bluez.AddDevice(config);
         if (c.otherScanner) {
             machine.bluez.AddOtherScanner();
         }
-        ASSERT_TRUE(machine.Start(c.hangingConnects > 0 ? 300ms : 3s));
-        ASSERT_TRUE(Eventually([&] { return machine.wrapper->GetState() == 3; }));
+        ASSERT_TRUE(machine.Start(BluezRig::Timing(c.hangingConnects > 0 ? 300ms : 3s)));
+        ASSERT_TRUE(machine.WaitState(3));
         EXPECT_EQ(machine.owner.States(), c.states);
         EXPECT_EQ(machine.bluez.DiscoveryStarts(), c.scans);
         EXPECT_EQ(sensor.ConnectCalls(), c.connects);
@@ -91,15 +51,15 @@ TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
 }
 
 TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
-    Machine machine;
-    FakeDeviceConfig config = Sensor();
+    BluezRig machine;
+    FakeDeviceConfig config = SensorDevice();
     config.pairing = orv::test::FakePairing::Passkey;
     FakeDevice& sensor = machine.bluez.AddDevice(config);
     FakeDevice& headset =
         machine.bluez.AddDevice({.address = "C0:DE:5E:45:00:99", .name = "headset", .known = true});
     LogCapture log;
-    ASSERT_TRUE(machine.Start(3s));
-    ASSERT_TRUE(Eventually([&] { return machine.wrapper->GetState() == 3; }));
+    ASSERT_TRUE(machine.Start());
+    ASSERT_TRUE(machine.WaitState(3));
     EXPECT_EQ(sensor.PairingAnswer(), "482913");
 
     const std::string rejected = "org.bluez.Error.Rejected";
@@ -125,10 +85,13 @@ TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     }
     EXPECT_EQ(CountOf(log.Text(), " refused, device:c0de5e450099\n"), 7u);
     EXPECT_EQ(CountOf(log.Text(), ")] Service authorization refused, device:c0de5e450001\n"), 1u);
+    // The answers are the wrapper's, logged as it gives them.
+    EXPECT_EQ(CountOf(log.Text(), ")] wclBthPasskeyRequest Pass key: 482913\n"), 2u);
+    EXPECT_EQ(CountOf(log.Text(), ")] wclBthPinRequest Pin: 7316\n"), 1u);
 
     // Once its link is gone, the sensor is no longer answered either.
     sensor.SetInRange(false);
-    ASSERT_TRUE(Eventually([&] { return machine.owner.StatesFrom(3) == States{0, 1}; }));
+    ASSERT_TRUE(machine.WaitStates({1, 2, 3, 0, 1}));
     EXPECT_EQ(machine.bluez.AskAgent(sensor, "RequestPasskey").error, rejected);
 }
 

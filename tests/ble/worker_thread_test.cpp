@@ -1,6 +1,7 @@
 // The worker thread and the timer queue that the wrapper and the stacks run on.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <mutex>
@@ -27,12 +28,9 @@ public:
     }
     bool AllOnOneOtherThread() {
         std::lock_guard lock(mutex_);
-        for (const auto& id : threads_) {
-            if (id != threads_.front() || id == std::this_thread::get_id()) {
-                return false;
-            }
-        }
-        return true;
+        return std::all_of(threads_.begin(), threads_.end(), [&](auto id) {
+            return id == threads_.front() && id != std::this_thread::get_id();
+        });
     }
 
 private:
@@ -56,9 +54,7 @@ TEST(WorkerThread, HooksRunOnTheThreadInOrderAndItRestarts) {
     ASSERT_TRUE(worker.Run());
     EXPECT_EQ(worker.Events(), (std::vector<std::string>{"init"}));  // Run waits for init
     EXPECT_FALSE(worker.Run());
-    for (uint32_t message : {1u, 2u, 3u}) {
-        EXPECT_TRUE(worker.PostMessage(message));
-    }
+    EXPECT_TRUE(worker.PostMessage(1) && worker.PostMessage(2) && worker.PostMessage(3));
     ASSERT_TRUE(Eventually([&] { return worker.Events().size() == 4; }));
     worker.Terminate();
     EXPECT_FALSE(worker.IsRunning());

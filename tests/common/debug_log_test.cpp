@@ -76,22 +76,22 @@ TEST_F(LogSwitches, LongMessageIsCutNotRejected) {
 }
 
 TEST(QualifiedFunctionName, CutsSignaturesDownToTheName) {
-    using orv::QualifiedFunctionName;
-    EXPECT_EQ(QualifiedFunctionName("void Orvane::OrvManager::Start()"),
-              "Orvane::OrvManager::Start");
-    EXPECT_EQ(QualifiedFunctionName("static Orvane::OrvManager* Orvane::OrvManager::GetInstance()"),
-              "Orvane::OrvManager::GetInstance");
-    EXPECT_EQ(QualifiedFunctionName("std::string E6_GetClubTypeJson(int)"), "E6_GetClubTypeJson");
-    EXPECT_EQ(
-        QualifiedFunctionName("bool BtfrGattWrapper::WriteCharacteristic(const uint8_t*, int)"),
-        "BtfrGattWrapper::WriteCharacteristic");
-    EXPECT_EQ(QualifiedFunctionName("std::map<int, std::pair<int, int> > Q<A, B>::Get(int)"),
-              "Q<A, B>::Get");
-    EXPECT_EQ(QualifiedFunctionName("Orvane::OrvManager::StopRecording(int)::<lambda()>"),
-              "Orvane::OrvManager::StopRecording");
-    EXPECT_EQ(QualifiedFunctionName("void Foo::operator()(int)"), "Foo::operator()");
-    EXPECT_EQ(QualifiedFunctionName("OrvSettings::LoadSetting"), "OrvSettings::LoadSetting");
-    EXPECT_EQ(QualifiedFunctionName(""), "");
+    const std::pair<const char*, const char*> cases[] = {
+        {"void Orvane::OrvManager::Start()", "Orvane::OrvManager::Start"},
+        {"static Orvane::OrvManager* Orvane::OrvManager::GetInstance()",
+         "Orvane::OrvManager::GetInstance"},
+        {"std::string E6_GetClubTypeJson(int)", "E6_GetClubTypeJson"},
+        {"bool BtfrGattWrapper::WriteCharacteristic(const uint8_t*, int)",
+         "BtfrGattWrapper::WriteCharacteristic"},
+        {"std::map<int, std::pair<int, int> > Q<A, B>::Get(int)", "Q<A, B>::Get"},
+        {"Orvane::OrvManager::StopRecording(int)::<lambda()>", "Orvane::OrvManager::StopRecording"},
+        {"void Foo::operator()(int)", "Foo::operator()"},
+        {"OrvSettings::LoadSetting", "OrvSettings::LoadSetting"},
+        {"", ""},
+    };
+    for (const auto& [signature, name] : cases) {
+        EXPECT_EQ(orv::QualifiedFunctionName(signature), name);
+    }
 }
 
 }  // namespace

@@ -1,11 +1,9 @@
 #include "common/settings.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <climits>
-#include <csignal>
-#include <cstdlib>
+#include <sstream>
 #include <string>
 
 #include "common/debug_log.h"
@@ -17,7 +15,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using orv::test::CountOf;
 using orv::test::EnvVar;
 using orv::test::ReadFileText;
 using orv::test::WriteFileText;
@@ -27,6 +24,15 @@ void ScrambleSwingValues() {
     gUserDependsData.swingLevel = 99;
     gUserDependsData.swingSensitivity = 99;
     gUserDependsData.clubType = 99;
+}
+
+std::string Values(OrvSettings& s) {
+    std::ostringstream out;
+    out << "level:" << s.GetDifficulty() << " sens:" << s.GetSensitivity()
+        << " club:" << s.GetClubType() << " hide:" << s.hideShotResult
+        << " bg:" << s.backgroundSound << " fx:" << s.effectSound << " preview:" << s.showPreview
+        << " rec:" << s.recording << " first:" << s.firstLaunch << " v:" << s.GetVersion();
+    return out.str();
 }
 
 struct Settings : ::testing::Test {
@@ -40,92 +46,59 @@ struct Settings : ::testing::Test {
     }
 };
 
-TEST_F(Settings, NoFileGivesDefaults) {
+TEST_F(Settings, LoadReadsClampsAndDefaults) {
+    struct Case {
+        const char* file;  // nullptr: no file
+        const char* values;
+    };
+    const std::string longVersion = "[Golf]\nVersion=" + std::string(300, '7') + "\n";
+    const Case cases[] = {
+        {nullptr, "level:1 sens:1 club:0 hide:0 bg:1 fx:1 preview:0 rec:0 first:1 v:0.0.0"},
+        {"[Golf]\nSwingLevel=7\nSwingSensitivity=-1\nClubType=2\nHideShotResult=5\n"
+         "Version=1.4.2\nFirstLaunch=1\n[Sound]\nBackground=0\nEffect=0\n"
+         "[Camera]\nShowPreview=1\nRecording=1\n",
+         "level:1 sens:1 club:0 hide:1 bg:0 fx:0 preview:1 rec:1 first:0 v:1.4.2"},
+        // Numbers are read as _wtoi reads them: leading digits count, text is 0.
+        {"[golf]\nswinglevel= 2 levels\nSwingSensitivity=abc\nClubType=1\n"
+         "FirstLaunch=x\n[Sound]\nEffect=99999999999\n",
+         "level:2 sens:0 club:1 hide:0 bg:1 fx:1 preview:0 rec:0 first:1 v:0.0.0"},
+        // Quotes around a value are not part of it.
+        {"[Golf]\nVersion=\"2.0.0\"\n",
+         "level:1 sens:1 club:0 hide:0 bg:1 fx:1 preview:0 rec:0 first:1 v:2.0.0"},
+    };
+    for (const Case& c : cases) {
+        if (c.file != nullptr) {
+            WriteFileText(ini, c.file);
+        }
+        ScrambleSwingValues();
+        OrvSettings settings(dir.path());
+        EXPECT_EQ(Values(settings), c.values) << (c.file ? c.file : "no file");
+    }
+    // The value buffer holds 259 characters.
+    WriteFileText(ini, longVersion);
     OrvSettings settings(dir.path());
-    EXPECT_EQ(settings.GetDifficulty(), 1);
-    EXPECT_EQ(settings.GetSensitivity(), 1);
-    EXPECT_EQ(settings.GetClubType(), 0);
-    EXPECT_FALSE(settings.hideShotResult);
-    EXPECT_TRUE(settings.backgroundSound);
-    EXPECT_TRUE(settings.effectSound);
-    EXPECT_FALSE(settings.showPreview);
-    EXPECT_FALSE(settings.recording);
-    EXPECT_EQ(settings.GetVersion(), "0.0.0");
-    EXPECT_TRUE(settings.firstLaunch);
+    EXPECT_EQ(settings.GetVersion(), std::string(259, '7'));
     EXPECT_EQ(settings.GetFolder(), dir.path());
     EXPECT_EQ(settings.GetIniPath(), ini);
-    EXPECT_FALSE(fs::exists(ini)) << "loading alone writes nothing";
-}
-
-TEST_F(Settings, StoredValuesAreReadAndClamped) {
-    WriteFileText(ini,
-                  "[Golf]\nSwingLevel=7\nSwingSensitivity=-1\nClubType=2\nHideShotResult=5\n"
-                  "Version=1.4.2\nFirstLaunch=1\n[Sound]\nBackground=0\nEffect=0\n"
-                  "[Camera]\nShowPreview=1\nRecording=1\n");
-    OrvSettings settings(dir.path());
-    EXPECT_EQ(settings.GetDifficulty(), 1);
-    EXPECT_EQ(settings.GetSensitivity(), 1);
-    EXPECT_EQ(settings.GetClubType(), 0);
-    EXPECT_TRUE(settings.hideShotResult);
-    EXPECT_EQ(settings.GetVersion(), "1.4.2");
-    EXPECT_FALSE(settings.firstLaunch);
-    EXPECT_FALSE(settings.backgroundSound);
-    EXPECT_FALSE(settings.effectSound);
-    EXPECT_TRUE(settings.showPreview);
-    EXPECT_TRUE(settings.recording);
-
-    // Numbers are read as _wtoi reads them: leading digits count, text is 0.
-    WriteFileText(ini,
-                  "[golf]\nswinglevel= 2 levels\nSwingSensitivity=abc\nClubType=1\n"
-                  "FirstLaunch=x\n[Sound]\nEffect=99999999999\n");
-    settings.LoadSetting();
-    EXPECT_EQ(settings.GetDifficulty(), 2);
-    EXPECT_EQ(settings.GetSensitivity(), 0);
-    EXPECT_EQ(settings.GetClubType(), 1);
-    EXPECT_TRUE(settings.firstLaunch);
-    EXPECT_TRUE(settings.effectSound);
-    EXPECT_EQ(settings.GetVersion(), "0.0.0");
-
-    // Quotes around a value are not part of it.
-    WriteFileText(ini, "[Golf]\nVersion=\"2.0.0\"\n");
-    settings.LoadSetting();
-    EXPECT_EQ(settings.GetVersion(), "2.0.0");
-
-    // The value buffer holds 259 characters.
-    WriteFileText(ini, "[Golf]\nVersion=" + std::string(300, '7') + "\n");
-    settings.LoadSetting();
-    EXPECT_EQ(settings.GetVersion(), std::string(259, '7'));
 }
 
 TEST_F(Settings, SettersKeepValuesInRange) {
     OrvSettings settings(dir.path());
-    settings.SetSensitivity(2);
-    settings.SetSensitivity(3);
-    settings.SetSensitivity(-1);
-    EXPECT_EQ(settings.GetSensitivity(), 2);
-    settings.SetDifficulty(0);
-    settings.SetDifficulty(INT_MIN);
-    settings.SetDifficulty(3);
-    EXPECT_EQ(settings.GetDifficulty(), 0);
-    settings.SetClubType(1);
-    settings.SetClubType(2);
-    settings.SetClubType(-1);
-    EXPECT_EQ(settings.GetClubType(), 1);
+    // Valid, then out of range above and below: the valid value stays.
+    const int values[][3] = {{2, 0, 1}, {3, 3, 2}, {-1, INT_MIN, -1}};
+    for (const auto& [sensitivity, level, club] : values) {
+        settings.SetSensitivity(sensitivity);
+        settings.SetDifficulty(level);
+        settings.SetClubType(club);
+    }
+    EXPECT_EQ(Values(settings).substr(0, 22), "level:0 sens:2 club:1 ");
     EXPECT_EQ(gUserDependsData.swingSensitivity, 2) << "the swing logic reads the shared values";
 }
 
-TEST_F(Settings, FirstLaunchFlipsOnEverySave) {
-    const char* expected[] = {"FirstLaunch=1\n", "FirstLaunch=0\n", "FirstLaunch=1\n"};
-    for (const char* line : expected) {
-        OrvSettings settings(dir.path());
-        settings.SaveSetting();
-        EXPECT_NE(ReadFileText(ini).find(line), std::string::npos) << ReadFileText(ini);
-    }
-}
-
-TEST_F(Settings, SaveWritesEveryValueBack) {
+TEST_F(Settings, SaveWritesEveryValueBackAndFlipsFirstLaunch) {
     {
         OrvSettings settings(dir.path());
+        EXPECT_FALSE(fs::exists(ini)) << "loading alone writes nothing";
         settings.SetDifficulty(2);
         settings.SetSensitivity(0);
         settings.SetClubType(1);
@@ -141,15 +114,13 @@ TEST_F(Settings, SaveWritesEveryValueBack) {
               "HideShotResult=1\nVersion=0.0.0\n\n\n[Sound]\nBackground=0\nEffect=0\n\n\n"
               "[Camera]\nShowPreview=1\nRecording=1\n");
     ScrambleSwingValues();
-    OrvSettings again(dir.path());
-    EXPECT_EQ(again.GetDifficulty(), 2);
-    EXPECT_EQ(again.GetSensitivity(), 0);
-    EXPECT_EQ(again.GetClubType(), 1);
-    EXPECT_TRUE(again.hideShotResult);
-    EXPECT_FALSE(again.backgroundSound);
-    EXPECT_FALSE(again.effectSound);
-    EXPECT_TRUE(again.showPreview);
-    EXPECT_TRUE(again.recording);
+    for (const char* first : {"first:0", "first:1"}) {
+        OrvSettings again(dir.path());
+        EXPECT_EQ(Values(again),
+                  std::string("level:2 sens:0 club:1 hide:1 bg:0 fx:0 preview:1 rec:1 ") + first +
+                      " v:0.0.0");
+        again.SaveSetting();
+    }
 }
 
 TEST_F(Settings, SaveKeepsCommentsUnknownKeysAndSections) {

@@ -7,14 +7,12 @@
 
 #include "common/language_id.h"
 #include "common/string_table.h"
-#include "tests/common/announcements.h"
 #include "tests/common/env_var.h"
 #include "tests/support/test_support.h"
 
 namespace {
 
 using orv::test::EnvVar;
-using orv::test::kLanguages;
 
 struct StringRes : ::testing::Test {
     ~StringRes() override { LoadLanguageModule(1033); }
@@ -39,9 +37,9 @@ TEST(LanguageId, MessagesLocaleFollowsTheCLibraryOrder) {
 }
 
 TEST_F(StringRes, EveryLanguageHasEveryText) {
-    for (const auto& language : kLanguages) {
-        SCOPED_TRACE(language.folder);
-        ASSERT_TRUE(LoadLanguageModule(language.id)) << "bin/lang beside the test program";
+    for (const int language : {1033, 1041, 1042, 2052}) {  // en ja ko zh
+        SCOPED_TRACE(language);
+        ASSERT_TRUE(LoadLanguageModule(language)) << "bin/lang beside the test program";
         for (unsigned id = 161; id <= 182; ++id) {
             if (id != 179) {
                 EXPECT_FALSE(GetStringRes(id).empty()) << id;

@@ -27,6 +27,17 @@ struct Frame {
     bb* buffer;
 };
 
+// `Record` parsed from a frame of `type` around `payload`.
+template <typename Record>
+struct Parsed {
+    Parsed(uint8_t type, std::vector<uint8_t> payload) : frame(type, std::move(payload)) {
+        record.ParseData();
+    }
+    Frame frame;
+    Record record{frame.buffer};
+    Record* operator->() { return &record; }
+};
+
 TEST(DataRecords, SwingInfoScalingAndUnsignedFields) {
     Frame frame(ORV_DATA_SWING_INFO, {
                                          0x01,        // distance unit
@@ -63,72 +74,46 @@ TEST(DataRecords, SwingInfoScalingAndUnsignedFields) {
 }
 
 TEST(DataRecords, SmallRecordsAndTheVersionText) {
-    Frame echo(ORV_DATA_ECHO, {0x12, 0x06});
-    OrvDataEchoModel echoRecord(echo.buffer);
-    echoRecord.ParseData();
-    EXPECT_EQ(echoRecord.event, 0x12);
-    EXPECT_EQ(echoRecord.result, 0x06);
-
-    Frame club(ORV_DATA_CLUB_INFO, {12});
-    OrvDataClubInfoModel clubRecord(club.buffer);
-    clubRecord.ParseData();
-    EXPECT_EQ(clubRecord.club, 12);
-
-    Frame battery(ORV_DATA_STATE, {9});
-    OrvDataBatteryStateModel batteryRecord(battery.buffer);
-    batteryRecord.ParseData();
-    EXPECT_EQ(batteryRecord.battery, 9);
-
-    Frame version(ORV_DATA_FW_VERSION, {'2', '0', '7'});
-    OrvDataFWVersionModel versionRecord(version.buffer);
-    versionRecord.ParseData();
-    EXPECT_STREQ(versionRecord.version, "2.0.7");
-
-    Frame abort(ORV_DATA_SWING_ABORT, {3});
-    OrvDataSwingAbort abortRecord(abort.buffer);
-    abortRecord.ParseData();
-    EXPECT_EQ(abortRecord.step, 3);
+    Parsed<OrvDataEchoModel> echo(ORV_DATA_ECHO, {0x12, 0x06});
+    EXPECT_EQ(echo->event, 0x12);
+    EXPECT_EQ(echo->result, 0x06);
+    EXPECT_EQ((Parsed<OrvDataClubInfoModel>(ORV_DATA_CLUB_INFO, {12})->club), 12);
+    EXPECT_EQ((Parsed<OrvDataBatteryStateModel>(ORV_DATA_STATE, {9})->battery), 9);
+    EXPECT_STREQ((Parsed<OrvDataFWVersionModel>(ORV_DATA_FW_VERSION, {'2', '0', '7'})->version),
+                 "2.0.7");
+    EXPECT_EQ((Parsed<OrvDataSwingAbort>(ORV_DATA_SWING_ABORT, {3})->step), 3);
 }
 
 TEST(DataRecords, RawSamplesAreSignedImpactValuesUnsigned) {
     std::vector<uint8_t> payload{0xFF, 0x9C, 0x00, 0x01, 0x80, 0x00, 0x7F, 0xFF,
                                  0,    0,    0xFF, 0xFF, 5,    0x01, 0x02, 0x01};
-    Frame raw(ORV_DATA_RAW, payload);
-    OrvDataRawModel rawRecord(raw.buffer);
-    rawRecord.ParseData();
-    EXPECT_EQ(rawRecord.ax, -100);
-    EXPECT_EQ(rawRecord.ay, 1);
-    EXPECT_EQ(rawRecord.az, -32768);
-    EXPECT_EQ(rawRecord.gx, 32767);
-    EXPECT_EQ(rawRecord.gz, -1);
-    EXPECT_EQ(rawRecord.interval, 5);
-    EXPECT_EQ(rawRecord.index, 0x0102);
-    EXPECT_EQ(rawRecord.last, 1);
+    Parsed<OrvDataRawModel> raw(ORV_DATA_RAW, payload);
+    EXPECT_EQ(raw->ax, -100);
+    EXPECT_EQ(raw->ay, 1);
+    EXPECT_EQ(raw->az, -32768);
+    EXPECT_EQ(raw->gx, 32767);
+    EXPECT_EQ(raw->gz, -1);
+    EXPECT_EQ(raw->interval, 5);
+    EXPECT_EQ(raw->index, 0x0102);
+    EXPECT_EQ(raw->last, 1);
 
-    Frame impact(ORV_DATA_IMPACT_RAW, payload);
-    OrvDataImpactRawModel impactRecord(impact.buffer);
-    impactRecord.ParseData();
-    EXPECT_EQ(impactRecord.values[0], 65436);
-    EXPECT_EQ(impactRecord.values[5], 65535);
-    EXPECT_EQ(impactRecord.extra, 5);
-    EXPECT_EQ(impact.buffer->pos, 19);  // three trailing bytes skipped, then the checksum
+    Parsed<OrvDataImpactRawModel> impact(ORV_DATA_IMPACT_RAW, payload);
+    EXPECT_EQ(impact->values[0], 65436);
+    EXPECT_EQ(impact->values[5], 65535);
+    EXPECT_EQ(impact->extra, 5);
+    EXPECT_EQ(impact.frame.buffer->pos, 19);  // three trailing bytes skipped, then the checksum
 
-    Frame simRaw(ORV_DATA_SIM_RAW, {0xFF, 0x9C, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 9, 9, 9});
-    OrvDataSimRawModel simRecord(simRaw.buffer);
-    simRecord.ParseData();
-    EXPECT_EQ(simRecord.ax, -100);
-    EXPECT_EQ(simRecord.step, 2);
-    EXPECT_EQ(simRecord.checksum, simRaw.buffer->data[18]);
+    Parsed<OrvDataSimRawModel> simRaw(ORV_DATA_SIM_RAW,
+                                      {0xFF, 0x9C, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 9, 9, 9});
+    EXPECT_EQ(simRaw->ax, -100);
+    EXPECT_EQ(simRaw->step, 2);
+    EXPECT_EQ(simRaw->checksum, simRaw.frame.buffer->data[18]);
 
-    std::vector<uint8_t> result(17, 0xEE);
-    for (uint8_t i = 0; i < 6; ++i) {
-        result[i] = i + 1;
-    }
-    Frame sim(ORV_DATA_SIM_RESULT, result);
-    OrvDataSimResultModel simResult(sim.buffer);
-    simResult.ParseData();
-    EXPECT_EQ(simResult.values[5], 6);
-    EXPECT_EQ(simResult.checksum, sim.buffer->data[19]);
+    Parsed<OrvDataSimResultModel> sim(
+        ORV_DATA_SIM_RESULT,
+        {1, 2, 3, 4, 5, 6, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE});
+    EXPECT_EQ(sim->values[5], 6);
+    EXPECT_EQ(sim->checksum, sim.frame.buffer->data[19]);
 }
 
 TEST(DataRecords, LeftRightCountRule) {
@@ -138,10 +123,8 @@ TEST(DataRecords, LeftRightCountRule) {
     };
     for (const Case& c : {Case{1, 0, -1}, Case{0, 3, 3}, Case{2, 3, 3}, Case{1, 2, -2},
                           Case{0, 0, 1}, Case{255, 255, 255}}) {
-        Frame frame(ORV_DATA_LR_SIG, {c.side, c.count});
-        OrvDataLRSig record(frame.buffer);
-        record.ParseData();
-        EXPECT_EQ(record.GetCount(), c.expected) << int(c.side) << "," << int(c.count);
+        EXPECT_EQ(Parsed<OrvDataLRSig>(ORV_DATA_LR_SIG, {c.side, c.count})->GetCount(), c.expected)
+            << int(c.side) << "," << int(c.count);
     }
 }
 
@@ -180,14 +163,12 @@ TEST(DataRecords, DispatchBuildsTheRecordOfEachKnownType) {
 }
 
 TEST(DataRecords, SwingInfoDumpOnlyWithTheLogOn) {
-    Frame frame(ORV_DATA_SWING_INFO, std::vector<uint8_t>(17, 0));
-    OrvDataSwingInfoModel record(frame.buffer);
-    record.ParseData();
+    Parsed<OrvDataSwingInfoModel> record(ORV_DATA_SWING_INFO, std::vector<uint8_t>(17, 0));
     orv::test::StdoutCapture out;
-    record.ToLog();
+    record->ToLog();
     EXPECT_EQ(out.Text(), "");
     ShowLog(true, false);
-    record.ToLog();
+    record->ToLog();
     ShowLog(false, false);
     const std::string text = out.Text();
     EXPECT_NE(text.find("[OrvDataSwingInfoModel::ToLog("), std::string::npos);

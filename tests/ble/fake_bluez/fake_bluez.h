@@ -26,14 +26,9 @@
 
 namespace orv::test {
 
-struct FakeBluezTiming {
-    // How often devices in range are seen again while a discovery runs.
-    std::chrono::milliseconds advertInterval{50};
-};
-
 class FakeBluez {
 public:
-    explicit FakeBluez(FakeBluezTiming timing = {});
+    FakeBluez() = default;
     ~FakeBluez();
     FakeBluez(const FakeBluez&) = delete;
     FakeBluez& operator=(const FakeBluez&) = delete;
@@ -43,6 +38,7 @@ public:
     // bluetoothd leaves: its connection closes with all its objects.
     void Stop();
 
+    // Before Start.
     void AddAdapter(const std::string& name = "hci0", bool powered = true);
     void SetPowered(const std::string& name, bool powered);
     FakeDevice& AddDevice(const FakeDeviceConfig& config, const std::string& adapter = "hci0");
@@ -82,7 +78,6 @@ private:
     void OnClientGone(const std::string& name);
     Adapter* FindAdapter(const std::string& name);
 
-    const FakeBluezTiming timing_;
     FakeBus bus_;
     std::unique_ptr<sdbus::IConnection> connection_;  // worker thread only
     std::thread loop_;  // the bus thread; ends quietly when the bus goes away

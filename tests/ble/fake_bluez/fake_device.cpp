@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 
 #include "ble/bluez/bluez_names.h"
 #include "ble/virtual/sensor_gatt_ids.h"
@@ -255,18 +254,16 @@ void FakeDevice::ExportGatt() {
             {"Device", sdbus::Variant(sdbus::ObjectPath(path_))},
             {"Primary", sdbus::Variant(true)},
         };
-        for (const auto& [name, value] : properties) {
-            const std::string key = name;
-            auto registrar = service.object->registerProperty(key);
-            registrar.onInterface(kServiceInterface);
-            if (key == "Primary") {
-                registrar.withGetter([] { return true; });
-            } else if (key == "Device") {
-                registrar.withGetter([this] { return sdbus::ObjectPath(path_); });
-            } else {
-                registrar.withGetter([&service] { return service.definition.uuid; });
-            }
-        }
+        sdbus::IObject& o = *service.object;
+        o.registerProperty("Primary").onInterface(kServiceInterface).withGetter([] {
+            return true;
+        });
+        o.registerProperty("Device").onInterface(kServiceInterface).withGetter([this] {
+            return sdbus::ObjectPath(path_);
+        });
+        o.registerProperty("UUID").onInterface(kServiceInterface).withGetter([&service] {
+            return service.definition.uuid;
+        });
         service.object->finishRegistration();
         bus_.EmitInterfacesAdded(service.path, {{kServiceInterface, properties}});
         for (size_t i = 0; i < service.definition.characteristics.size(); ++i, ++next) {
@@ -326,21 +323,12 @@ bool FakeDevice::Pair() {
             return true;
         }
     }
-    // The agent request of each pairing method, and the answer the sensor
-    // takes (anything else fails authentication).
-    static const std::map<FakePairing, std::pair<const char*, const char*>> kMethods = {
-        {FakePairing::Passkey, {"RequestPasskey", "482913"}},
-        {FakePairing::PinCode, {"RequestPinCode", "7316"}},
-        {FakePairing::Confirmation, {"RequestConfirmation", ""}},
-    };
-    const auto& [method, expected] = kMethods.at(config_.pairing);
-    const FakeBus::AgentAnswer answer = bus_.AskAgent(method, path_);
-    const bool accepted = answer.error.empty() && answer.value == expected;
+    // The sensor takes only its own passkey.
+    const FakeBus::AgentAnswer answer = bus_.AskAgent("RequestPasskey", path_);
+    const bool accepted = answer.error.empty() && answer.value == "482913";
     {
         std::lock_guard lock(bus_.mutex);
-        pairingAnswer_ = !answer.error.empty()  ? "refused"
-                         : answer.value.empty() ? "confirmed"
-                                                : answer.value;
+        pairingAnswer_ = answer.error.empty() ? answer.value : "refused";
         paired_ = accepted;
     }
     if (accepted) {
@@ -359,9 +347,7 @@ void FakeDevice::Connect(std::shared_ptr<sdbus::Result<>> reply) {
         std::lock_guard lock(bus_.mutex);
         ++connectCalls_;
         linked = connected_;
-        if (!config_.connectError.empty()) {
-            error = config_.connectError;
-        } else if (hangingConnect_) {
+        if (hangingConnect_) {
             error = "org.bluez.Error.InProgress";
         } else if (!linked && hangsLeft_ > 0) {
             --hangsLeft_;
@@ -475,20 +461,12 @@ bool FakeDevice::InRange() const {
     return inRange_ && (!config_.sensor || config_.sensor->InRange());
 }
 
-bool FakeDevice::Exported() const {
-    return Locked(exported_);
-}
-
 void FakeDevice::SensorNotify(const SensorFrame& frame) {
     bus_.Post([this, frame] { NotifyOn(ByUuid(kSensorNotifyUuid), frame); });
 }
 
 void FakeDevice::SensorLinkDropped() {
     bus_.Post([this] { EndLink(); });  // the sensor's lock is held here
-}
-
-void FakeDevice::Notify(const std::vector<uint8_t>& value) {
-    bus_.RunOnWorker([this, &value] { NotifyOn(FirstNotifying(), value); });
 }
 
 // One signal per notification, even when the value repeats.
@@ -503,15 +481,6 @@ void FakeDevice::NotifyOn(Characteristic* characteristic, const std::vector<uint
     }
     FakeBus::EmitPropertiesChanged(*characteristic->object, kCharacteristicInterface,
                                    {{"Value", sdbus::Variant(value)}});
-}
-
-FakeDevice::Characteristic* FakeDevice::FirstNotifying() {
-    for (auto& characteristic : characteristics_) {
-        if (Has(characteristic->definition, "notify")) {
-            return characteristic.get();
-        }
-    }
-    return nullptr;
 }
 
 FakeDevice::Characteristic* FakeDevice::ByUuid(const std::string& uuid) {
@@ -590,14 +559,6 @@ void FakeDevice::FailWrites(bool fail) {
     failWrites_ = fail;
 }
 
-bool FakeDevice::Connected() const {
-    return Locked(connected_);
-}
-
-bool FakeDevice::ServicesResolved() const {
-    return Locked(resolved_);
-}
-
 bool FakeDevice::Notifying() const {
     std::lock_guard lock(bus_.mutex);
     for (const auto& characteristic : characteristics_) {
@@ -606,30 +567,6 @@ bool FakeDevice::Notifying() const {
         }
     }
     return false;
-}
-
-int FakeDevice::ConnectCalls() const {
-    return Locked(connectCalls_);
-}
-
-int FakeDevice::DisconnectCalls() const {
-    return Locked(disconnectCalls_);
-}
-
-int FakeDevice::StartNotifyCalls() const {
-    return Locked(startNotifyCalls_);
-}
-
-int FakeDevice::StopNotifyCalls() const {
-    return Locked(stopNotifyCalls_);
-}
-
-std::vector<FakeWrite> FakeDevice::Writes() const {
-    return Locked(writes_);
-}
-
-std::string FakeDevice::PairingAnswer() const {
-    return Locked(pairingAnswer_);
 }
 
 }  // namespace orv::test

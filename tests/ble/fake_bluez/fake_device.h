@@ -30,7 +30,7 @@ struct FakeService {
 // The sensor's layout: generic access, then the serial-like service.
 std::vector<FakeService> SensorServices();
 
-enum class FakePairing { None, Passkey, PinCode, Confirmation };
+enum class FakePairing { None, Passkey };
 
 struct FakeDeviceConfig {
     std::string address;              // "C0:DE:5E:45:00:01"
@@ -38,7 +38,6 @@ struct FakeDeviceConfig {
     std::string alias{};              // empty: the name, else the address with '-'
     std::vector<FakeService> services = SensorServices();
     std::shared_ptr<VirtualSensor> sensor{};  // may be null
-    std::string connectError{};               // Connect fails with this D-Bus error
     FakePairing pairing = FakePairing::None;  // asked of the agent on Connect
     bool resolveServices = true;              // false: ServicesResolved never comes
     bool known = false;                       // in GetManagedObjects from the start
@@ -68,24 +67,22 @@ public:
     void SetInRange(bool inRange);
     // Link loss: one signal with Connected and ServicesResolved false.
     void DropLink();
-    // One notification on the first notifying characteristic.
-    void Notify(const std::vector<uint8_t>& value);
     void FailWrites(bool fail);
 
     // Observation.
-    bool Connected() const;
-    bool ServicesResolved() const;
+    bool Connected() const { return Locked(connected_); }
     bool Notifying() const;  // on the first notifying characteristic
-    int ConnectCalls() const;
-    int DisconnectCalls() const;
-    int StartNotifyCalls() const;
-    int StopNotifyCalls() const;
-    std::vector<FakeWrite> Writes() const;
-    std::string PairingAnswer() const;  // what the agent answered on Connect, or "refused"
+    int ConnectCalls() const { return Locked(connectCalls_); }
+    int DisconnectCalls() const { return Locked(disconnectCalls_); }
+    int StartNotifyCalls() const { return Locked(startNotifyCalls_); }
+    int StopNotifyCalls() const { return Locked(stopNotifyCalls_); }
+    std::vector<FakeWrite> Writes() const { return Locked(writes_); }
+    // What the agent answered on Connect, or "refused".
+    std::string PairingAnswer() const { return Locked(pairingAnswer_); }
 
     // For the fake service, on its worker.
     bool InRange() const;
-    bool Exported() const;
+    bool Exported() const { return Locked(exported_); }
     void Export();                // the Device1 object, without a signal
     void LinkAtStart();           // as connectedAtStart asks, before org.bluez is taken
     void Announce(int16_t rssi);  // new: InterfacesAdded; known: RSSI changed by 8 dBm or more
@@ -119,7 +116,6 @@ private:
     bool Pair();
     void EndLink();
     void NotifyOn(Characteristic* characteristic, const std::vector<uint8_t>& value);
-    Characteristic* FirstNotifying();
     Characteristic* ByUuid(const std::string& uuid);
     void StartNotify(Characteristic& characteristic);
     void StopNotify(Characteristic& characteristic);

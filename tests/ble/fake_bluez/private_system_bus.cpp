@@ -29,16 +29,8 @@ std::string Configuration(const std::string& socket) {
   <policy context="default">
     <allow user="*"/>
     <allow own="*"/>
-    <allow send_destination="*" eavesdrop="true"/>
+    <allow send_destination="*"/>
     <allow receive_sender="*"/>
-    <allow send_type="method_call"/>
-    <allow send_type="signal"/>
-    <allow send_type="method_return"/>
-    <allow send_type="error"/>
-    <allow receive_type="method_call"/>
-    <allow receive_type="signal"/>
-    <allow receive_type="method_return"/>
-    <allow receive_type="error"/>
   </policy>
 </busconfig>
 )";

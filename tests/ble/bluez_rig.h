@@ -1,0 +1,69 @@
+// A fresh bluetoothd on a private system bus and the sensor wrapper over
+// the BlueZ backend, the wrapper started last.
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+#include "ble/bluez/make_bluez_stack.h"
+#include "tests/ble/ble_test_helpers.h"
+#include "tests/ble/fake_bluez/fake_bluez.h"
+#include "tests/ble/fake_bluez/private_system_bus.h"
+
+struct BluezRig {
+    orv::test::PrivateSystemBus bus;  // outlives every client of the bus
+    orv::test::FakeBluez bluez;
+    RecordingOwner owner;
+    std::unique_ptr<BtfrGattWrapper> wrapper;
+
+    explicit BluezRig(bool adapter = true) {
+        if (adapter) {
+            bluez.AddAdapter();
+        }
+    }
+    ~BluezRig() { StopWrapper(); }
+    void StopWrapper() {
+        if (wrapper) {
+            wrapper->Stop();
+        }
+    }
+
+    static BluezTiming Timing(std::chrono::milliseconds connect = std::chrono::seconds(3),
+                              std::chrono::milliseconds resolve = std::chrono::seconds(2)) {
+        BluezTiming timing;
+        timing.connect = connect;
+        timing.resolve = resolve;
+        timing.adapterWait = std::chrono::milliseconds(100);
+        return timing;
+    }
+    bool Start(const BluezTiming& timing = Timing()) {
+        if (!bus.ok() || !bluez.Start()) {
+            return false;
+        }
+        StartWrapper(timing);
+        return true;
+    }
+    void StartWrapper(const BluezTiming& timing = Timing()) {
+        using std::chrono::milliseconds;
+        wrapper =
+            MakeSensorWrapper(MakeBluezStack(timing), owner, {milliseconds(50), milliseconds(200)});
+        wrapper->Start();
+    }
+    bool WaitState(int32_t state) {
+        return orv::test::Eventually([&] { return wrapper->GetState() == state; });
+    }
+    bool WaitStates(const std::vector<int32_t>& states) {
+        return orv::test::Eventually([&] { return owner.States() == states; });
+    }
+    // The sensor answers the firmware request over the link.
+    bool Answers() {
+        return wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3) &&
+               orv::test::Eventually([&] { return owner.Received(kFirmwareAnswer); });
+    }
+};
+
+// The sensor's device as bluetoothd lists it, with a quick virtual sensor.
+inline orv::test::FakeDeviceConfig SensorDevice(const std::string& name = "orvane-demo",
+                                                const std::string& address = "C0:DE:5E:45:00:01") {
+    return {.address = address, .name = name, .sensor = QuickSensor(name)};
+}
