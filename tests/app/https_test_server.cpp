@@ -3,16 +3,11 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <openssl/err.h>
-#include <openssl/evp.h>
-#include <openssl/pem.h>
 #include <openssl/ssl.h>
-#include <openssl/x509v3.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <cstdio>
 
 namespace orv::test {
 
@@ -35,30 +30,6 @@ int ListenOnLoopback(int flags, int* port) {
     return fd;
 }
 
-X509* MakeCertificate(EVP_PKEY* key) {
-    X509* cert = X509_new();
-    X509_set_version(cert, 2);
-    ASN1_INTEGER_set(X509_get_serialNumber(cert), 1);
-    X509_gmtime_adj(X509_getm_notBefore(cert), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(cert), 24 * 3600);
-    X509_set_pubkey(cert, key);
-    X509_NAME* name = X509_get_subject_name(cert);
-    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC,
-                               reinterpret_cast<const unsigned char*>("127.0.0.1"), -1, -1, 0);
-    X509_set_issuer_name(cert, name);
-    X509V3_CTX ctx;
-    X509V3_set_ctx_nodb(&ctx);
-    X509V3_set_ctx(&ctx, cert, cert, nullptr, nullptr, 0);
-    for (const auto& [nid, value] : {std::pair{NID_subject_alt_name, "IP:127.0.0.1"},
-                                     std::pair{NID_basic_constraints, "critical,CA:TRUE"}}) {
-        X509_EXTENSION* ext = X509V3_EXT_conf_nid(nullptr, &ctx, nid, value);
-        X509_add_ext(cert, ext, -1);
-        X509_EXTENSION_free(ext);
-    }
-    X509_sign(cert, key, EVP_sha256());
-    return cert;
-}
-
 bool ReadRequestHead(SSL* ssl, std::string* head) {
     char buffer[1024];
     while (head->find("\r\n\r\n") == std::string::npos && head->size() < 16384) {
@@ -71,44 +42,29 @@ bool ReadRequestHead(SSL* ssl, std::string* head) {
     return true;
 }
 
-bool WriteAll(SSL* ssl, const std::string& bytes) {
-    size_t sent = 0;
-    while (sent < bytes.size()) {
-        const int n = SSL_write(ssl, bytes.data() + sent, static_cast<int>(bytes.size() - sent));
-        if (n <= 0) {
-            return false;
-        }
-        sent += static_cast<size_t>(n);
-    }
-    return true;
+// Blocking and without partial writes: all of it or an error.
+void Write(SSL* ssl, const std::string& bytes) {
+    SSL_write(ssl, bytes.data(), static_cast<int>(bytes.size()));
 }
 
 }  // namespace
 
-HttpsTestServer::HttpsTestServer(const std::filesystem::path& folder, const std::string& name) {
+HttpsTestServer::HttpsTestServer() {
     // A client that hangs up mid-answer must not kill the test process.
     signal(SIGPIPE, SIG_IGN);
-    EVP_PKEY* key = EVP_EC_gen("P-256");
-    X509* cert = MakeCertificate(key);
-    caFile_ = folder / (name + ".pem");
-    if (FILE* out = std::fopen(caFile_.c_str(), "w")) {
-        PEM_write_X509(out, cert);
-        std::fclose(out);
-    }
     SSL_CTX* context = SSL_CTX_new(TLS_server_method());
-    SSL_CTX_use_certificate(context, cert);
-    SSL_CTX_use_PrivateKey(context, key);
-    X509_free(cert);
-    EVP_PKEY_free(key);
     context_ = context;
-
-    int port = 0;
-    listenFd_ = ListenOnLoopback(0, &port);
-    if (listenFd_ < 0) {
+    if (SSL_CTX_use_certificate_file(context, caFile(), SSL_FILETYPE_PEM) != 1 ||
+        SSL_CTX_use_PrivateKey_file(context, ORVANE_TEST_CERT_DIR "/service-key.pem",
+                                    SSL_FILETYPE_PEM) != 1) {
         return;
     }
-    port_ = port;
-    thread_ = std::thread([this] { Serve(); });
+    int port = 0;
+    listenFd_ = ListenOnLoopback(0, &port);
+    if (listenFd_ >= 0) {
+        port_ = port;
+        thread_ = std::thread([this] { Serve(); });
+    }
 }
 
 HttpsTestServer::~HttpsTestServer() {
@@ -141,7 +97,6 @@ void HttpsTestServer::Serve() {
         }
         const int fd = accept4(listenFd_, nullptr, nullptr, SOCK_CLOEXEC);
         if (fd >= 0) {
-            ++connections_;
             HandleClient(fd);
             close(fd);
         }
@@ -170,10 +125,10 @@ void HttpsTestServer::HandleClient(int fd) {
             "Content-Length: " +
             std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n";
         if (behaviour == Behaviour::kAnswer) {
-            WriteAll(ssl, header + body);
+            Write(ssl, header + body);
             SSL_shutdown(ssl);
         } else {
-            WriteAll(ssl, header + body.substr(0, body.size() / 2));
+            Write(ssl, header + body.substr(0, body.size() / 2));
             // Silent until the client gives up and closes.
             pollfd client{fd, POLLIN, 0};
             while (!stop_ && poll(&client, 1, 20) == 0) {
@@ -182,12 +137,6 @@ void HttpsTestServer::HandleClient(int fd) {
     }
     SSL_free(ssl);
     ERR_clear_error();
-}
-
-int UnusedLoopbackPort() {
-    int port = 0;
-    close(ListenOnLoopback(0, &port));
-    return port;
 }
 
 MuteServer::MuteServer() : listenFd_(ListenOnLoopback(SOCK_NONBLOCK, &port_)) {}

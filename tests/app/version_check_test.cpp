@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QThread>
+
 #include <chrono>
 #include <string>
 
-#include "common/debug_log.h"
+#include "app/version_check_worker.h"
 #include "tests/app/https_test_server.h"
 #include "tests/support/test_support.h"
+#include "tests/ui/gui_test_app.h"
 
 namespace {
 
@@ -37,56 +40,85 @@ TEST(VersionCompare, NumbersNotText) {
     EXPECT_EQ(orv::CompareVersion(orv::GetVersion(), ORVANE_PROJECT_VERSION), 0);
 }
 
-struct VersionService : ::testing::Test {
-    VersionService() : server(dir.path(), "service") { ShowLog(true, false); }
-    ~VersionService() override { ShowLog(false, false); }
+orv::VersionCheckConfig Config(const HttpsTestServer& server, const std::string& running) {
+    orv::VersionCheckConfig config;
+    config.host = "127.0.0.1";
+    config.port = server.port();
+    config.caFile = server.caFile();
+    config.runningVersion = running;
+    config.timing = {5s, 5s};
+    return config;
+}
 
-    orv::VersionCheckConfig Config(const std::string& running) const {
-        orv::VersionCheckConfig config;
-        config.host = "127.0.0.1";
-        config.port = server.port();
-        config.caFile = server.caFile();
-        config.runningVersion = running;
-        config.timing.connect = 5s;
-        config.timing.total = 5s;
-        return config;
-    }
-
-    orv::test::TempDir dir;
+// Server answer -> result, offer and log, one exchange each over real TLS.
+TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheCheck) {
     HttpsTestServer server;
-};
-
-TEST_F(VersionService, OffersUpdateOnlyWhenRunningIsOlder) {
     ASSERT_TRUE(server.ok());
+    orv::test::MuteServer mute;  // takes the connection, never does the TLS handshake
+    constexpr auto kStall = HttpsTestServer::Behaviour::kStall;
+    constexpr auto kAnswer = HttpsTestServer::Behaviour::kAnswer;
     struct Case {
-        const char* running;
-        const char* latest;
+        std::string running, body;
+        HttpsTestServer::Behaviour behaviour;
+        VersionCheckStatus status;
         bool offer;
     };
-    for (const Case& c : {Case{"0.9.0", "1.0.0", true}, Case{"1.2", "1.2.0", false},
-                          Case{"2.0.0", "1.0.0", false}, Case{"1.2.3", "1.10.0", true}}) {
-        SCOPED_TRACE(std::string(c.running) + " vs " + c.latest);
-        server.Answer(Answer(c.latest));
-        orv::test::StdoutCapture out;
-        const orv::VersionCheckResult result = orv::CheckVersion(Config(c.running));
-        ASSERT_EQ(result.status, VersionCheckStatus::kOk);
+    const Case cases[] = {
+        {"0.9.0", Answer("1.0.0"), kAnswer, VersionCheckStatus::kOk, true},
+        {"1.2", Answer("1.2.0"), kAnswer, VersionCheckStatus::kOk, false},
+        {"2.0.0", Answer("1.0.0"), kAnswer, VersionCheckStatus::kOk, false},
+        {"1.2.3", Answer("1.10.0"), kAnswer, VersionCheckStatus::kOk, true},
+        {"1.0.0", R"({"app_ver":"9.9.9"})", kAnswer, VersionCheckStatus::kBadAnswer, false},
+        {"1.0.0", "<html>Service unavailable</html>", kAnswer, VersionCheckStatus::kBadAnswer,
+         false},
+        {"1.0.0", R"({"data":{"app_ver":"9.9.9"}})", kAnswer, VersionCheckStatus::kBadAnswer,
+         false},
+        {"1.0.0", R"({"data":[1,2]})", kAnswer, VersionCheckStatus::kBadAnswer, false},
+        {"1.0.0", "", kAnswer, VersionCheckStatus::kBadAnswer, false},
+        // Half the body, then silence: cut off by the time limit.
+        {"1.0.0", Answer("9.9.9"), kStall, VersionCheckStatus::kNoAnswer, false},
+        {"mute", "", kAnswer, VersionCheckStatus::kNoAnswer, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.running + " " + c.body);
+        server.Answer(c.body, c.behaviour);
+        orv::VersionCheckConfig config = Config(server, c.running);
+        if (c.behaviour == kStall) {
+            config.timing.total = 300ms;
+        } else if (c.running == "mute") {
+            config.port = mute.port();
+            config.timing = {300ms, 10s};
+        }
+        orv::test::LogCapture log;
+        const auto start = std::chrono::steady_clock::now();
+        const orv::VersionCheckResult result = orv::CheckVersion(config);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+        EXPECT_EQ(result.status, c.status);
+        EXPECT_EQ(orv::ShouldOfferAppUpdate(result), c.offer);
+        const std::string text = log.Text();
+        if (c.status == VersionCheckStatus::kBadAnswer) {
+            EXPECT_TRUE(result.latest.latestAppVersion.empty());
+            EXPECT_NE(text.find("!!! ERROR ["), std::string::npos) << text;
+            EXPECT_NE(text.find("[json.exception."), std::string::npos) << text;
+        }
+        if (c.status != VersionCheckStatus::kOk) {
+            EXPECT_EQ(text.find("App ver:"), std::string::npos) << text;
+            continue;
+        }
         EXPECT_EQ(result.appVersion, c.running);
-        EXPECT_EQ(result.latest.latestAppVersion, c.latest);
         EXPECT_EQ(result.latest.appDownloadUrl, "https://dl.orvane.invalid/app.zip");
         EXPECT_EQ(result.latest.latestFirmwareVersion, "2.1.0");
         EXPECT_EQ(result.latest.firmwareDownloadUrl, "https://dl.orvane.invalid/fw.bin");
-        EXPECT_EQ(orv::ShouldOfferAppUpdate(result), c.offer);
-
-        const std::string log = out.Text();
-        const std::string tag = "[CMainDlg::CheckVersion(";
-        EXPECT_NE(log.find(Answer(c.latest) + "\n"), std::string::npos) << log;
-        const size_t app = log.find("] App ver: " + std::string(c.running) + "\n");
-        const size_t latest = log.find("] Latest ver: " + std::string(c.latest) + "\n");
-        const size_t url = log.find("] Down url: https://dl.orvane.invalid/app.zip\n");
-        ASSERT_NE(app, std::string::npos) << log;
+        const size_t body = text.find(c.body + "\n");
+        const size_t app = text.find("] App ver: " + c.running + "\n");
+        const size_t latest = text.find("] Latest ver: " + result.latest.latestAppVersion + "\n");
+        const size_t url = text.find("] Down url: https://dl.orvane.invalid/app.zip\n");
+        ASSERT_NE(body, std::string::npos) << text;
+        EXPECT_LT(body, app);
         EXPECT_LT(app, latest);
         EXPECT_LT(latest, url);
-        EXPECT_EQ(orv::test::CountOf(log, tag), 4u) << log;
+        EXPECT_NE(url, std::string::npos) << text;
+        EXPECT_EQ(orv::test::CountOf(text, "[CMainDlg::CheckVersion("), 4u) << text;
     }
 
     // The service's headers, in this order, and no accept types.
@@ -101,45 +133,27 @@ TEST_F(VersionService, OffersUpdateOnlyWhenRunningIsOlder) {
     EXPECT_EQ(request.find("Accept:"), std::string::npos) << request;
 }
 
-TEST_F(VersionService, BadAnswersEndTheCheckWithALoggedError) {
+TEST(VersionCheckWorker, ResultArrivesOnceOnTheUiThread) {
+    orv::test::GuiTestApp();
+    HttpsTestServer server;
     ASSERT_TRUE(server.ok());
-    for (const char* body : {R"({"app_ver":"9.9.9"})", "<html>Service unavailable</html>",
-                             R"({"data":{"app_ver":"9.9.9"}})", R"({"data":[1,2]})", ""}) {
-        SCOPED_TRACE(body);
-        server.Answer(body);
-        orv::test::StdoutCapture out;
-        const orv::VersionCheckResult result = orv::CheckVersion(Config("1.0.0"));
-        EXPECT_EQ(result.status, VersionCheckStatus::kBadAnswer);
-        EXPECT_TRUE(result.latest.latestAppVersion.empty());
-        EXPECT_FALSE(orv::ShouldOfferAppUpdate(result));
-        const std::string log = out.Text();
-        EXPECT_NE(log.find("!!! ERROR ["), std::string::npos) << log;
-        EXPECT_NE(log.find("[json.exception."), std::string::npos) << log;
-        EXPECT_EQ(log.find("App ver:"), std::string::npos) << log;
-    }
-}
-
-TEST_F(VersionService, SlowServerIsCutOffByTheTimeLimit) {
-    ASSERT_TRUE(server.ok());
-    server.Answer(Answer("9.9.9"), HttpsTestServer::Behaviour::kStall);
-    orv::VersionCheckConfig config = Config("1.0.0");
-    config.timing.total = 300ms;
-    const auto start = std::chrono::steady_clock::now();
-    const orv::VersionCheckResult result = orv::CheckVersion(config);
-    const auto took = std::chrono::steady_clock::now() - start;
-    EXPECT_EQ(result.status, VersionCheckStatus::kNoAnswer);
-    EXPECT_GE(took, 250ms);
-    EXPECT_LT(took, 3s);
-
-    // A server that takes the connection but never does the TLS handshake
-    // is cut off by the connect time-out.
-    orv::test::MuteServer mute;
-    config.port = mute.port();
-    config.timing.connect = 300ms;
-    config.timing.total = 10s;
-    const auto handshake = std::chrono::steady_clock::now();
-    EXPECT_EQ(orv::CheckVersion(config).status, VersionCheckStatus::kNoAnswer);
-    EXPECT_LT(std::chrono::steady_clock::now() - handshake, 3s);
+    server.Answer(Answer("9.0.0", "1.0.4"));
+    orv::VersionCheckWorker worker(Config(server, "1.0.0"));
+    std::vector<orv::VersionCheckResult> results;
+    bool onUiThread = false;
+    QObject::connect(&worker, &orv::VersionCheckWorker::Finished,
+                     [&](const orv::VersionCheckResult& result) {
+                         onUiThread = QThread::currentThread() == qApp->thread();
+                         results.push_back(result);
+                     });
+    worker.Start();
+    worker.Start();  // once only
+    ASSERT_TRUE(orv::test::ProcessEventsUntil([&] { return !results.empty(); }));
+    EXPECT_TRUE(onUiThread);
+    EXPECT_TRUE(orv::ShouldOfferAppUpdate(results[0]));
+    EXPECT_FALSE(orv::ShouldOfferFirmwareUpdate("1.0.5", results[0].latest.latestFirmwareVersion));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(results.size(), 1u);
 }
 
 }  // namespace

@@ -96,9 +96,6 @@ TEST(HistoryView, ShowsShotsFiguresPlotsAndClipsAndExportsTheSelection) {
     dialog.tabs->setCurrentIndex(2);
     ProcessEventsUntil([] { return false; }, std::chrono::milliseconds(300));
     EXPECT_TRUE(dialog.grab().save(ORVANE_SCREENSHOT_DIR "/history-shape.png"));
-    dialog.tabs->setCurrentIndex(1);
-    ProcessEventsUntil([] { return false; }, std::chrono::milliseconds(100));
-    EXPECT_TRUE(dialog.grab().save(ORVANE_SCREENSHOT_DIR "/history-figures.png"));
 
     dialog.clubFilter->setCurrentIndex(dialog.clubFilter->findData(8));
     EXPECT_EQ(dialog.shotTable->rowCount(), 4);

@@ -5,13 +5,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "common/debug_log.h"
+#include "tests/support/file_text.h"
 
 namespace orv::test {
 
@@ -49,10 +48,7 @@ StdoutCapture::~StdoutCapture() {
 
 std::string StdoutCapture::Text() const {
     std::fflush(stdout);
-    std::ifstream in(file_, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return ReadFileText(file_);
 }
 
 LogCapture::LogCapture() {
@@ -86,6 +82,39 @@ size_t CountOf(const std::string& haystack, const std::string& needle) {
     size_t count = 0;
     for (size_t at = haystack.find(needle); at != std::string::npos;
          at = haystack.find(needle, at + needle.size())) {
+        ++count;
+    }
+    return count;
+}
+
+namespace {
+
+std::string Comm(const std::filesystem::path& task) {
+    const std::string name = ReadFileText(task / "comm");
+    return name.substr(0, name.find('\n'));
+}
+
+}  // namespace
+
+int ThreadCount(const std::string& name) {
+    int count = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        count += name.empty() || Comm(task.path()) == name;
+    }
+    return count;
+}
+
+std::string ThreadNames() {
+    std::string names;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        names += Comm(task.path()) + ";";
+    }
+    return names;
+}
+
+int OpenFdCount() {
+    int count = 0;
+    for ([[maybe_unused]] const auto& fd : std::filesystem::directory_iterator("/proc/self/fd")) {
         ++count;
     }
     return count;

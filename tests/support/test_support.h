@@ -62,4 +62,10 @@ private:
 // Number of times `needle` occurs in `haystack`.
 size_t CountOf(const std::string& haystack, const std::string& needle);
 
+// Threads of this process (only those named `name`, when given), their names
+// for failure messages, and open descriptors.
+int ThreadCount(const std::string& name = {});
+std::string ThreadNames();
+int OpenFdCount();
+
 }  // namespace orv::test

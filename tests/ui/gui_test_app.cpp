@@ -1,8 +1,5 @@
 #include "tests/ui/gui_test_app.h"
 
-#include <QAbstractButton>
-#include <QTimer>
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -54,28 +51,6 @@ QApplication& GuiTestApp() {
         return made;
     }();
     return environment->App();
-}
-
-MessageBoxAnswerer::MessageBoxAnswerer(QMessageBox::StandardButton button) : timer_(new QTimer) {
-    timer_->setInterval(10);
-    QObject::connect(timer_, &QTimer::timeout, [this, button] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (box == nullptr || seen_.seen) {
-            return;
-        }
-        seen_ = {true, box->text(), box->icon(), box->standardButtons()};
-        if (QAbstractButton* answer = box->button(button)) {
-            answer->click();
-        } else {
-            box->reject();
-        }
-        timer_->stop();
-    });
-    timer_->start();
-}
-
-MessageBoxAnswerer::~MessageBoxAnswerer() {
-    delete timer_;
 }
 
 bool ProcessEventsUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {

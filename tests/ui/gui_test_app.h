@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QApplication>
-#include <QMessageBox>
 
 #include <chrono>
 #include <functional>
@@ -11,30 +10,6 @@
 namespace orv::test {
 
 QApplication& GuiTestApp();
-
-// What a message box showed before it was answered.
-struct SeenMessageBox {
-    bool seen = false;
-    QString text;
-    QMessageBox::Icon icon = QMessageBox::NoIcon;
-    QMessageBox::StandardButtons buttons;
-};
-
-// Answers the next message box that opens with `button`; the result is filled
-// in when that happens. Keep the object alive until the box has closed.
-class MessageBoxAnswerer {
-public:
-    explicit MessageBoxAnswerer(QMessageBox::StandardButton button);
-    ~MessageBoxAnswerer();
-    MessageBoxAnswerer(const MessageBoxAnswerer&) = delete;
-    MessageBoxAnswerer& operator=(const MessageBoxAnswerer&) = delete;
-
-    const SeenMessageBox& seen() const { return seen_; }
-
-private:
-    SeenMessageBox seen_;
-    class QTimer* timer_;
-};
 
 // Runs the event loop until `condition` holds or `timeout` passes.
 bool ProcessEventsUntil(const std::function<bool()>& condition,

@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/test_support.h"
 #include "tests/ui/gui_test_app.h"
 #include "video/capture_manager.h"
 
@@ -27,21 +28,12 @@ void PumpFor(std::chrono::milliseconds duration);
 // A live 640x480 test pattern at 30/1, no microphone.
 CaptureSources TestSources();
 
-struct ClipInfo {
-    bool ok = false;
-    double seconds = 0.0;
-    int width = 0;
-    int height = 0;
-    std::string videoCaps;  // e.g. "video/x-h264"
-    std::string audioCaps;  // empty without sound
-    std::string container;  // e.g. "video/quicktime"
-};
-// What GStreamer's discoverer makes of a file.
-ClipInfo Discover(const std::string& path);
-
 struct DecodeResult {
     bool ok = false;  // reached its end without an error
     int frames = 0;
+    int width = 0;
+    int height = 0;
+    double seconds = 0.0;      // the length the file gives
     double lastSeconds = 0.0;  // time stamp of the last picture
 };
 // Demuxes and decodes the whole video track.
@@ -56,9 +48,6 @@ bool AllBlack(const QImage& image);
 // A screenshot of a window as the X server shows it.
 QImage GrabScreen(const QWidget* window);
 
-int ThreadCount();
-int OpenFdCount();
-std::string ThreadNames();  // for failure messages
 // Shared libraries mapped into this process whose path contains `part`.
 bool LibraryLoaded(const std::string& part);
 

@@ -2,28 +2,22 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <vector>
 
-#include "common/debug_log.h"
-#include "tests/support/test_support.h"
-#include "video/container_format.h"
 #include "video/frame_size.h"
 #include "video/task_thread.h"
 #include "video/window_placement.h"
 
 namespace {
 
-TEST(FrameSizeTest, Width320KeepsTheCamerasAspectWithAnEvenHeight) {
+TEST(FrameSizeTest, Width320KeepsTheCamerasAspectAndBitRateFollowsTheCamera) {
     EXPECT_EQ(ComputePreferredFrameSize(640, 480).height, 240);
     EXPECT_EQ(ComputePreferredFrameSize(1280, 720).height, 180);
     EXPECT_EQ(ComputePreferredFrameSize(1920, 1080).height, 180);
     EXPECT_EQ(ComputePreferredFrameSize(352, 288).height, 260);  // 261.8 truncated, made even
     EXPECT_EQ(ComputePreferredFrameSize(320, 240).width, 320);
     EXPECT_EQ(ComputePreferredFrameSize(0, 0).width, 0);
-}
-
-TEST(FrameSizeTest, BitRateComesFromTheCamerasOwnSizeAndRate) {
+    // The bit rate comes from the camera's own size and rate.
     EXPECT_EQ(GetEncodingBitrate({640, 480, 30, 1}), 3'072'000u);
     EXPECT_EQ(GetEncodingBitrate({1280, 720, 30, 1}), 9'216'000u);
     EXPECT_EQ(GetEncodingBitrate({640, 480, 15, 1}), 1'536'000u);
@@ -31,15 +25,13 @@ TEST(FrameSizeTest, BitRateComesFromTheCamerasOwnSizeAndRate) {
     EXPECT_EQ(GetEncodingBitrate({640, 480, 30, 0}), 0u);
 }
 
-TEST(WindowPlacementTest, PreviewSitsRightOfTheWorkAreasMiddle) {
+TEST(WindowPlacementTest, PreviewRightOfTheWorkAreasMiddleAndPlayerInAFixedPlace) {
     EXPECT_EQ(PreviewPlacement({0, 0, 1280, 1024}, {320, 240}), QRect(950, 522, 320, 240));
     EXPECT_EQ(PreviewPlacement({0, 0, 1920, 1050}, {320, 180}), QRect(1590, 535, 320, 180));
     EXPECT_EQ(PreviewPlacement({0, 0, 1366, 767}, {320, 240}), QRect(1036, 393, 320, 240));
     // A panel on the left and one on top move the work area's origin.
     EXPECT_EQ(PreviewPlacement({64, 32, 1216, 992}, {320, 240}), QRect(950, 538, 320, 240));
-}
-
-TEST(WindowPlacementTest, PlayerSitsInAFixedPlaceOfACentredArea) {
+    // The player sits in a fixed place of a centred area.
     EXPECT_EQ(PlayerPlacement({1280, 1024}), QRect(151, 331, 798, 398));
     EXPECT_EQ(PlayerPlacement({1920, 1080}), QRect(471, 359, 798, 398));
     // Narrower than the area: applied as it is, left of x = 25.
