@@ -20,73 +20,61 @@ TEST(ClientHandlers, EachMessageGivesItsNotificationsStateAndLogLine) {
     const struct {
         const char* text;
         bool handled;
-        Events heard;  // in any order: notifications may overtake each other
-        int arm;
-        unsigned club;
+        Events heard;                // in any order: notifications may overtake each other
         const char* line = nullptr;  // in the log once
+        int arm = kDisarmed;
+        unsigned club = 0;
         bool listening = true;
     } rows[] = {
-        {R"({"Kind":"ACK"})", false, {}, kDisarmed, 0, "[E6] << {\"Kind\":\"ACK\"}\n"},
-        {R"({"Type":"Unknown"})", false, {}, kDisarmed, 0},
-        {R"({"Type":"ack"})", false, {}, kDisarmed, 0},  // case matters
-        {"[1,2]", false, {}, kDisarmed, 0},
-        {R"({"Type":"ACK"})", true, {}, kDisarmed, 0},
-        {R"({"Type":"Pong"})", true, {}, kDisarmed, 0},
-        {"", true, {}, kDisarmed, 0, kError},
-        {R"({"Type":)", true, {}, kDisarmed, 0, kError},
-        {R"({"Type":5})", true, {}, kDisarmed, 0, kError},
-        {R"({"Type":"Authentication"})", true, {}, kDisarmed, 0, kError},
-        {R"({"Type":"Handshake","Challenge":1})", true, {}, kDisarmed, 0, kError},
-        {R"({"Type":"SimCommand","Command":false})", true, {}, kDisarmed, 0, kError},
+        {R"({"Kind":"ACK"})", false, {}, "[E6] << {\"Kind\":\"ACK\"}\n"},
+        {R"({"Type":"Unknown"})", false, {}},
+        {R"({"Type":"ack"})", false, {}},  // case matters
+        {"[1,2]", false, {}},
+        {R"({"Type":"ACK"})", true, {}},
+        {R"({"Type":"Pong"})", true, {}},
+        {"", true, {}, kError},
+        {R"({"Type":)", true, {}, kError},
+        {R"({"Type":5})", true, {}, kError},
+        {R"({"Type":"Authentication"})", true, {}, kError},
+        {R"({"Type":"Handshake","Challenge":1})", true, {}, kError},
+        {R"({"Type":"SimCommand","Command":false})", true, {}, kError},
         // Without a link a handshake cannot be answered.
-        {R"({"Type":"Handshake","Challenge":"abc"})", false, {}, kDisarmed, 0},
-        {R"({"Type":"Authentication","Success":false})",
-         true,
-         {"auth:0"},
-         kDisarmed,
-         0,
-         "Auth failed.\n"},
-        {R"({"Type":"Authentication","Success":"False"})", true, {"auth:0"}, kDisarmed, 0},
-        {R"({"Type":"Authentication","Success":"TRUE"})", true, {"auth:1"}, kArmed, 0},
-        {R"({"Type":"SimCommand","Command":"Arm"})", true, {"arm:0"}, kArmed, 0},
-        {R"({"Type":"SimCommand","Command":"Disarm"})", true, {"arm:1"}, kDisarmed, 0},
+        {R"({"Type":"Handshake","Challenge":"abc"})", false, {}},
+        {R"({"Type":"Authentication","Success":false})", true, {"auth:0"}, "Auth failed.\n"},
+        {R"({"Type":"Authentication","Success":"False"})", true, {"auth:0"}},
+        {R"({"Type":"Authentication","Success":"TRUE"})", true, {"auth:1"}, nullptr, kArmed},
+        {R"({"Type":"SimCommand","Command":"Arm"})", true, {"arm:0"}, nullptr, kArmed},
+        {R"({"Type":"SimCommand","Command":"Disarm"})", true, {"arm:1"}},
         // Any other command passes the unchanged state on; none at all passes nothing.
-        {R"({"Type":"SimCommand","Command":"arm"})", true, {"arm:1"}, kDisarmed, 0},
-        {R"({"Type":"SimCommand"})", true, {}, kDisarmed, 0},
+        {R"({"Type":"SimCommand","Command":"arm"})", true, {"arm:1"}},
+        {R"({"Type":"SimCommand"})", true, {}},
         {R"({"Type":"Warning","OutOfRange":"c","Other":"x","SetDataIgnored":"a"})",
          true,
-         {"warning:a", "warning:c"},
-         kDisarmed,
-         0},
+         {"warning:a", "warning:c"}},
         {R"({"Type":"DataModified","PlayerData":{"Club":"sandwedge","Handed":"Left",)"
          R"("OnTheTee":"True","Extra":[1]},"EnvironmentData":{"SurfaceCAT":"Green"}})",
          true,
          {"environment:0,Green", "player:,0,Left,13,0,0,1"},
+         nullptr,
          kDisarmed,
          13},
         // Missing members keep their defaults; an unknown club name gives 0.
-        {R"({"Type":"DataModified","PlayerData":{"Club":"Spoon"}})",
-         true,
-         {"player:,0,,0,0,0,0"},
-         kDisarmed,
-         0},
+        {R"({"Type":"DataModified","PlayerData":{"Club":"Spoon"}})", true, {"player:,0,,0,0,0,0"}},
         // A member of the wrong type drops the record, logged under the handler's name.
         {R"({"Type":"DataModified","PlayerData":{"Club":"Driver","Handicap":"x"}})",
          true,
          {},
-         kDisarmed,
-         0,
          "[E6TruSimClient::HandlePlayerData("},
         // Nobody to tell: data is not taken in, warnings are not understood.
         {R"({"Type":"DataModified","PlayerData":{"Club":"Driver"}})",
          true,
          {},
+         nullptr,
          kDisarmed,
          0,
-         nullptr,
          false},
-        {R"({"Type":"Warning","ShotFailed":"x"})", false, {}, kDisarmed, 0, nullptr, false},
-        {R"({"Type":"SimCommand","Command":"Arm"})", true, {}, kArmed, 0, nullptr, false},
+        {R"({"Type":"Warning","ShotFailed":"x"})", false, {}, nullptr, kDisarmed, 0, false},
+        {R"({"Type":"SimCommand","Command":"Arm"})", true, {}, nullptr, kArmed, 0, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <future>
 #include <memory>
 #include <string>
@@ -93,7 +92,7 @@ TEST_F(TruSimLink, AuthenticatesByChallengeAndTakesTheGreeting) {
     std::sort(heard.begin(), heard.end());  // notifications may overtake each other
     EXPECT_EQ(heard,
               (std::vector<std::string>{"arm:0", "auth:1", "connect", "environment:150,Fairway",
-                                        "player:,0,Right,1,0,0,1"}));
+                                        "player:Emulator,1,Right,1,12,0.2,1"}));
     EXPECT_EQ(client.GetDistanceToPin(), 150.0);
 }
 
@@ -140,38 +139,17 @@ TEST_F(TruSimLink, StopWhileConnectedNotifiesTwiceAndNothingAfterwards) {
 class GatedListener : public RecordingListener {
 public:
     void OnE6ArmState(int state) override {
-        {
-            std::unique_lock<std::mutex> lock(mutex_);
-            ++waiting_;
-            peak_ = std::max(peak_, waiting_);
-            open_.wait(lock, [this] { return opened_; });
-            --waiting_;
+        const int now = ++waiting;
+        for (int seen = peak; now > seen && !peak.compare_exchange_weak(seen, now);) {
         }
+        gate.wait();
+        --waiting;
         RecordingListener::OnE6ArmState(state);
     }
-    void Open() {
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            opened_ = true;
-        }
-        open_.notify_all();
-    }
-    int waiting() const {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return waiting_;
-    }
-    int peak() const {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        return peak_;
-    }
-
-private:
-    // Guards the gate and the counts of notifications held at it.
-    mutable std::mutex mutex_;
-    std::condition_variable open_;
-    bool opened_ = false;
-    int waiting_ = 0;
-    int peak_ = 0;
+    std::promise<void> opener;
+    std::shared_future<void> gate = opener.get_future().share();
+    std::atomic<int> waiting{0};
+    std::atomic<int> peak{0};
 };
 
 TEST_F(TruSimLink, StalledListenerHoldsBackReceptionInsteadOfPilingUpThreads) {
@@ -179,17 +157,17 @@ TEST_F(TruSimLink, StalledListenerHoldsBackReceptionInsteadOfPilingUpThreads) {
     E6TruSimClient held;
     held.SetCallback(&gated);
     held.Init("127.0.0.1", emulator->Port());
-    ASSERT_TRUE(Eventually([&] { return gated.waiting() == 1; }));  // the greeting's Arm
+    ASSERT_TRUE(Eventually([&] { return gated.waiting.load() == 1; }));  // the greeting's Arm
     std::string flood;
     for (int i = 0; i < 200; ++i) {
         flood += std::string("{\"Type\":\"SimCommand\",\"Command\":\"Disarm\"}") + '\0';
     }
     ASSERT_TRUE(emulator->SendRaw(flood));
     const int limit = E6TruSimClient::kMaxNotificationsInFlight;
-    ASSERT_TRUE(Eventually([&] { return gated.waiting() == limit; }));
+    ASSERT_TRUE(Eventually([&] { return gated.waiting.load() == limit; }));
     std::this_thread::sleep_for(100ms);
-    EXPECT_EQ(gated.peak(), limit);
-    gated.Open();
+    EXPECT_EQ(gated.peak.load(), limit);
+    gated.opener.set_value();
     EXPECT_TRUE(Eventually([&] { return gated.Count("arm:") == 201; }));
     EXPECT_EQ(held.GetArmState(), 1);
     held.Stop();

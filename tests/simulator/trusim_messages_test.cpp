@@ -52,8 +52,13 @@ TEST(TruSimMessages, ShotRecordsWithThreeDecimalsAndTheTab) {
 
 TEST(TruSimMessages, ClubTypeNamesWedgeRenamesAndUnknownCodes) {
     const std::pair<int, const char*> rows[] = {
-        {1, "Driver"}, {16, "3Iron"}, {15, "Putter"}, {11, "PWedge"}, {12, "GWedge"},
-        {13, "SWedge"}, {14, "LWedge"},
+        {1, "Driver"},
+        {16, "3Iron"},
+        {15, "Putter"},
+        {11, "PWedge"},
+        {12, "GWedge"},
+        {13, "SWedge"},
+        {14, "LWedge"},
         {256 + 11, "PitchingWedge"},  // the lookup takes the low byte, the rename the full value
     };
     for (const auto& [club, name] : rows) {
