@@ -7,9 +7,9 @@
 
 #include "common/settings.h"
 #include "common/user_depends_data.h"
-#include "tests/support/file_text.h"
 #include "tests/faults/fault_session.h"
 #include "tests/session/session_over_bluez.h"
+#include "tests/support/file_text.h"
 
 namespace orv::test {
 namespace {
@@ -106,11 +106,15 @@ TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFi
 
 class BluetoothdFaults : public SessionOverBluezOf<FaultSession> {};
 
-TEST_F(BluetoothdFaults, BluetoothdRestartIsLivedThroughAndTheSensorReconnects) {
+// The whole program over the BlueZ backend, first as it is, then through a
+// restart of bluetoothd.
+TEST_F(BluetoothdFaults, OneShotOverBluezThenARestartIsLivedThrough) {
     ASSERT_TRUE(StartBluez());
     LogCapture log;
     StartManager();
     ASSERT_TRUE(SwingBecomesOneShot());
+    EXPECT_TRUE(Eventually([&] { return ui.Count("shot") == 1; }));
+    EXPECT_EQ(manager->GetDeviceVersion(), "1.2.0");
 
     ui.Clear();
     bluez.Stop();

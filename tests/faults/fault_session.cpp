@@ -4,30 +4,17 @@ namespace orv::test {
 
 using namespace std::chrono_literals;
 
-namespace {
-
-const char* const kShotTypes[] = {"SetBallData", "SetClubData", "SetMiscData", "SendShot"};
-
-std::string ShotTypeOf(const std::string& text) {
-    for (const char* type : kShotTypes) {
-        if (text.find("\"Type\":\"" + std::string(type) + "\"") != std::string::npos) {
-            return type;
-        }
-    }
-    return {};
-}
-
-}  // namespace
-
-bool IsShotMessage(const std::string& text) {
-    return !ShotTypeOf(text).empty();
-}
+// The four messages that make one shot, in the order they must arrive.
+const std::vector<std::string> kShotTypes = {"SetBallData", "SetClubData", "SetMiscData",
+                                             "SendShot"};
 
 std::vector<std::string> ShotSequence(const std::vector<std::string>& received) {
     std::vector<std::string> types;
     for (const std::string& text : received) {
-        if (std::string type = ShotTypeOf(text); !type.empty()) {
-            types.push_back(std::move(type));
+        for (const std::string& type : kShotTypes) {
+            if (text.find("\"Type\":\"" + type + "\"") != std::string::npos) {
+                types.push_back(type);
+            }
         }
     }
     return types;
@@ -64,10 +51,9 @@ bool FaultSession::SwingBecomesOneShot() {
     const std::vector<std::string> all = emulator->Received();
     const std::vector<std::string> fresh(all.begin() + static_cast<std::ptrdiff_t>(seen),
                                          all.end());
-    const std::vector<std::string> expected(std::begin(kShotTypes), std::end(kShotTypes));
-    EXPECT_EQ(ShotSequence(fresh), expected);
+    EXPECT_EQ(ShotSequence(fresh), kShotTypes);
     EXPECT_EQ(ShotCount(), shots + 1);
-    return ShotSequence(fresh) == expected && ShotCount() == shots + 1;
+    return ShotSequence(fresh) == kShotTypes && ShotCount() == shots + 1;
 }
 
 bool FaultSession::ReconnectedAndReady(int connectionsBefore) {

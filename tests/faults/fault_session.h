@@ -24,7 +24,7 @@ protected:
 };
 
 // The four messages that make one shot, in the order they must arrive.
-bool IsShotMessage(const std::string& text);
+extern const std::vector<std::string> kShotTypes;
 // The shot messages of `received` reduced to their "Type" names, in order.
 std::vector<std::string> ShotSequence(const std::vector<std::string>& received);
 

@@ -1,7 +1,5 @@
 // Ten thousand swings through the whole session: every one must arrive as one
 // complete shot, and threads, descriptors and memory must stay where they were.
-#include <dirent.h>
-
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -18,17 +16,6 @@ constexpr int kWarmUp = 1000;
 // Growth allowed between the warm-up and the end. The stand-in simulator
 // keeps every shot's record (about 100 bytes each), which accounts for ~1 MiB.
 constexpr long kRssMarginKiB = 4 * 1024;
-
-int EntriesIn(const char* folder) {
-    int count = 0;
-    if (DIR* dir = opendir(folder)) {
-        while (dirent* entry = readdir(dir)) {
-            count += entry->d_name[0] != '.';
-        }
-        closedir(dir);
-    }
-    return count;
-}
 
 long RssKiB() {
     std::ifstream status("/proc/self/status");
@@ -82,8 +69,6 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
     StartManager(&counting);
     ASSERT_TRUE(Eventually([&] { return counting.connected.load() && Armed(); }));
 
-    const std::vector<std::string> oneShot = {"SetBallData", "SetClubData", "SetMiscData",
-                                              "SendShot"};
     long rssAfterWarmUp = 0;
     int incomplete = 0;
     for (int swing = 1; swing <= kSwings; ++swing) {
@@ -91,7 +76,7 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
         emulator->ClearReceived();
         sensor->TriggerSwing(DriverSwing());
         ASSERT_TRUE(emulator->WaitForShots(static_cast<size_t>(swing), 10s)) << "swing " << swing;
-        if (ShotSequence(emulator->Received()) != oneShot) {
+        if (ShotSequence(emulator->Received()) != kShotTypes) {
             ++incomplete;
         }
         if (swing % 500 == 0) {

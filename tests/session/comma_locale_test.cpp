@@ -3,6 +3,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 #include "common/debug_log.h"
 #include "simulator/trusim_messages.h"
@@ -14,14 +15,25 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// de_DE generated into a temporary folder: the machine's locales stay as they are.
+// de_DE generated into a temporary folder, once for the program (localedef
+// is slow): the machine's locales stay as they are.
 class CommaLocale : public SessionTest {
 protected:
-    void SetUp() override {
-        // Before any thread starts: setlocale is not safe against threads formatting meanwhile.
+    static void SetUpTestSuite() {
+        locales.emplace();
+        locpath.emplace("LOCPATH", locales->path().c_str());
         const std::string command = "localedef -i de_DE -f UTF-8 '" +
-                                    (locales.path() / "de_DE.UTF-8").string() + "' >/dev/null 2>&1";
-        ASSERT_EQ(std::system(command.c_str()), 0) << "localedef and the package locales needed";
+                                    (locales->path() / "de_DE.UTF-8").string() +
+                                    "' >/dev/null 2>&1";
+        generated = std::system(command.c_str()) == 0;
+    }
+    static void TearDownTestSuite() {
+        locpath.reset();
+        locales.reset();
+    }
+    void SetUp() override {
+        ASSERT_TRUE(generated) << "localedef and the package locales needed";
+        // Before any thread starts: setlocale is not safe against threads formatting meanwhile.
         ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
         char probe[8];
         std::snprintf(probe, sizeof probe, "%.1f", 0.5);
@@ -33,8 +45,9 @@ protected:
         std::setlocale(LC_ALL, "C");
     }
 
-    TempDir locales;
-    EnvVar locpath{"LOCPATH", locales.path().c_str()};
+    static inline std::optional<TempDir> locales;
+    static inline std::optional<EnvVar> locpath;
+    static inline bool generated = false;
 };
 
 TEST_F(CommaLocale, SimulatorTextsAndLogLinesKeepTheDecimalPoint) {

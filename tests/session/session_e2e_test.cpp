@@ -1,12 +1,9 @@
 // The session end to end: the in-process sensor on one side, the stand-in
 // simulator over real loopback TCP on the other.
-#include <dirent.h>
-
 #include <algorithm>
 
 #include "common/debug_log.h"
 #include "protocol/command_models.h"
-#include "protocol/data_records.h"
 #include "simulator/club_tables.h"
 #include "simulator/shot_records.h"
 #include "simulator/trusim_messages.h"
@@ -21,39 +18,6 @@ using Bytes = std::vector<uint8_t>;
 Bytes FrameOf(OrvCmdBaseModel&& command) {
     bb* frame = command.MakeSendPacket();
     return Bytes(frame->data, frame->data + frame->size);
-}
-
-// The swing record as the session parses it from the sensor's frame.
-struct ParsedSwing {
-    explicit ParsedSwing(const SwingValues& values) : frame(SwingInfoFrame(values)) {
-        buffer = bb_new_copy(frame.data(), static_cast<uint32_t>(frame.size()));
-        record = std::make_unique<OrvDataSwingInfoModel>(buffer);
-        record->ParseData();
-    }
-    ~ParsedSwing() {
-        record.reset();
-        bb_free(&buffer);
-    }
-    double Path() const {
-        return record->ClubPathDir == 5 ? -double{record->ClubPath} : record->ClubPath;
-    }
-    double Face() const {
-        return record->FaceAngleDir == 5 ? -double{record->FaceAngle} : record->FaceAngle;
-    }
-    SensorFrame frame;
-    bb* buffer = nullptr;
-    std::unique_ptr<OrvDataSwingInfoModel> record;
-};
-
-int ThreadCount() {
-    int count = 0;
-    if (DIR* dir = opendir("/proc/self/task")) {
-        while (dirent* entry = readdir(dir)) {
-            count += entry->d_name[0] != '.';
-        }
-        closedir(dir);
-    }
-    return count;
 }
 
 class SessionE2E : public SessionTest {};
@@ -112,36 +76,25 @@ TEST_F(SessionE2E, SwingBecomesTheFourShotMessagesWithTheModelsTexts) {
     emulator->ClearReceived();
     sensor->ClearWrittenFrames();
 
-    const SwingValues swing = DriverSwing(150.0);
-    sensor->TriggerSwing(swing);
+    sensor->TriggerSwing(DriverSwing(150.0));
     ASSERT_TRUE(emulator->WaitForShots(1, 10s));
     ASSERT_TRUE(Eventually([&] { return ui.Saw("shot"); }));
 
-    const ParsedSwing parsed(swing);
+    // The swing's own values; the ball's flight from them is checked on its own.
     const double distanceToPin = manager->GetE6()->GetDistanceToPin();
     ASSERT_GT(distanceToPin, 0.0);
-    const E6BallData ball =
-        E6_MakeBallData(1, 1, parsed.record->HeadSpeed, parsed.Path(), parsed.Face(),
-                        parsed.record->SwingDistance / distanceToPin);
-    const E6ClubData club = E6_MakeClubData(parsed.record->HeadSpeed, parsed.Path(), parsed.Face());
-
-    std::vector<std::string> shot;
-    for (const std::string& text : emulator->Received()) {
-        if (text.find("\"Type\":\"Set") != std::string::npos &&
-            text.find("ClubType") == std::string::npos) {
-            shot.push_back(text);
-        } else if (text == E6_GetSendShotJson()) {
-            shot.push_back(text);
-        }
+    const std::string expected[][2] = {
+        {"SetBallData",
+         E6_GetBallDataJson(E6_MakeBallData(1, 1, 94.5, -2.3, 1.4, 150.0 / distanceToPin))},
+        {"SetClubData", R"({"Type":"SetClubData","ClubData":{"ClubAngleFace":1.400, )"
+                        R"("ClubAnglePath":-2.300, "ClubHeadSpeed":94.500}})"},
+        {"SetMiscData", R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, )"
+                        R"("TeedUp":"true"}})"},
+        {"SendShot", R"({"Type":"SendShot"})"},
+    };
+    for (const auto& [type, text] : expected) {
+        EXPECT_EQ(ReceivedOfType(type), std::vector<std::string>{text});
     }
-    ASSERT_EQ(shot.size(), 4u);
-    EXPECT_EQ(shot[0], E6_GetBallDataJson(ball));
-    EXPECT_EQ(shot[1], E6_GetClubDataJson(club));
-    EXPECT_EQ(
-        shot[2],
-        R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})");
-    EXPECT_EQ(shot[3], R"({"Type":"SendShot"})");
-    EXPECT_NE(shot[0].find("\"BallSpeed\":"), std::string::npos);
 
     // The recording ran from address to two seconds past the swing.
     EXPECT_GE(recording.Count("start"), 1);
@@ -198,7 +151,7 @@ TEST_F(SessionE2E, LeftRightSignalsChangeTheClubOnceByTheirSum) {
     EXPECT_EQ(selects[0][2], 5);
 }
 
-TEST_F(SessionE2E, SilentSensorIsDroppedAfterTheFreshThenTheAliveLimit) {
+TEST_F(SessionE2E, SilentNewSensorIsDroppedAfterTheFreshLinkLimit) {
     LogCapture log;
     sensor->SetSilent(true);
     emulator->Stop();
@@ -207,25 +160,9 @@ TEST_F(SessionE2E, SilentSensorIsDroppedAfterTheFreshThenTheAliveLimit) {
     ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }, 10s));
     EXPECT_NE(log.Text().find("Call disconnect.(timeout:300)\n"), std::string::npos);
 
-    // A link that has answered gets the longer limit.
+    // One that has answered gets the longer limit, which the fault suite sees.
     sensor->SetSilent(false);
-    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 10s));
-    // Wait until every command of the connect sequence is answered.
-    ASSERT_TRUE(Eventually([&] {
-        return !WrittenWithCode(ORV_COMMAND_STATE_SYNC).empty() &&
-               !WrittenWithCode(ORV_COMMAND_MANUAL_CLUB_SELECT).empty() &&
-               manager->GetState().lastSendMs.load() == 0 &&
-               (std::this_thread::sleep_for(50ms), manager->GetState().lastSendMs.load() == 0);
-    }));
-    ui.Clear();
-    sensor->SetSilent(true);
-    const auto silentSince = std::chrono::steady_clock::now();
-    Orvane::OrvManager* m = manager.get();
-    OrvCmdBatteryStateReqModel battery;
-    m->EnqueueCommand(battery);
-    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }, 10s));
-    EXPECT_GE(std::chrono::steady_clock::now() - silentSince, 1000ms);
-    EXPECT_NE(log.Text().find("Call disconnect.(timeout:1000)\n"), std::string::npos);
+    EXPECT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 10s));
 }
 
 TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPing) {
@@ -245,24 +182,8 @@ TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPing) {
     EXPECT_TRUE(Eventually([&] { return ui.Saw("battery:" + std::to_string(sensor->Battery())); }));
 }
 
-TEST_F(SessionE2E, BackSwingWithoutResultStopsTheClipAfterEightWaits) {
-    LogCapture log;
-    StartManager();
-    ASSERT_TRUE(WaitReady());
-
-    sensor->SendFrame(SimRawFrame({}, 2));
-    sensor->SendFrame(SimRawFrame({}, 3));
-    ASSERT_TRUE(
-        Eventually([&] { return log.Text().find("Back swing timeout.\n") != std::string::npos; }));
-    const std::string text = log.Text();
-    EXPECT_NE(text.find("Enter Backswing.\n"), std::string::npos);
-    EXPECT_EQ(recording.Count("start"), 1);
-    EXPECT_EQ(recording.Count("stop:0"), 1);  // the time-out stopped the clip
-    EXPECT_TRUE(ui.Saw("ready"));
-}
-
 TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {
-    const int before = ThreadCount();
+    const int before = EntriesIn("/proc/self/task");
     StartManager();
     ASSERT_TRUE(WaitReady());
     OrvCmdBatteryStateReqModel battery;
@@ -274,7 +195,7 @@ TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {
     EXPECT_EQ(manager->GetGatt(), nullptr);
     EXPECT_EQ(manager->GetE6(), nullptr);
     // Timer and helper threads of the test's own sensor and simulator stay.
-    const int stopped = ThreadCount();
+    const int stopped = EntriesIn("/proc/self/task");
     EXPECT_LE(stopped, before + 4) << "before " << before << ", after " << stopped;
 
     ui.Clear();

@@ -1,5 +1,7 @@
 #include "tests/session/session_fixture.h"
 
+#include <dirent.h>
+
 #include <algorithm>
 
 #include "ble/virtual/virtual_stack.h"
@@ -8,65 +10,32 @@ namespace orv::test {
 
 using namespace std::chrono_literals;
 
-void UiRecorder::Add(std::string event) {
+void EventList::Add(std::string event) {
     std::lock_guard<std::mutex> lock(mutex_);
     events_.push_back(std::move(event));
 }
-void UiRecorder::OnOrvE6ConnectionChanged(bool connected) {
-    Add(connected ? "e6:1" : "e6:0");
-}
-void UiRecorder::OnOrvOrvaneConnectionChanged(int state) {
-    Add("ble:" + std::to_string(state));
-}
-void UiRecorder::OnOrvOrvaneBatteryState(int percent) {
-    Add("battery:" + std::to_string(percent));
-}
-void UiRecorder::OnOrvShot() {
-    Add("shot");
-}
-void UiRecorder::OnOrvReady() {
-    Add("ready");
-}
-std::vector<std::string> UiRecorder::Events() const {
+std::vector<std::string> EventList::Events() const {
     std::lock_guard<std::mutex> lock(mutex_);
     return events_;
 }
-bool UiRecorder::Saw(const std::string& event) const {
-    return Count(event) > 0;
-}
-int UiRecorder::Count(const std::string& event) const {
+int EventList::Count(const std::string& event) const {
     std::lock_guard<std::mutex> lock(mutex_);
     return static_cast<int>(std::count(events_.begin(), events_.end(), event));
 }
-void UiRecorder::Clear() {
+void EventList::Clear() {
     std::lock_guard<std::mutex> lock(mutex_);
     events_.clear();
 }
 
-void RecordingProbe::Add(std::string call) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    calls_.push_back(std::move(call));
-}
-bool RecordingProbe::StartRecording() {
-    Add("start");
-    return true;
-}
-void RecordingProbe::StopRecording(int delaySeconds) {
-    Add("stop:" + std::to_string(delaySeconds));
-}
-void RecordingProbe::ShowRecordingFile() {
-    Add("show");
-}
-void RecordingProbe::ClosePlayer() {
-    Add("close");
-}
-std::vector<std::string> RecordingProbe::Calls() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return calls_;
-}
-int RecordingProbe::Count(const std::string& call) const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return static_cast<int>(std::count(calls_.begin(), calls_.end(), call));
+int EntriesIn(const char* folder) {
+    int count = 0;
+    if (DIR* dir = opendir(folder)) {
+        while (dirent* entry = readdir(dir)) {
+            count += entry->d_name[0] != '.';
+        }
+        closedir(dir);
+    }
+    return count;
 }
 
 Orvane::SessionTiming FastSessionTiming() {

@@ -17,44 +17,50 @@
 
 namespace orv::test {
 
-// Records the session's UI callbacks.
-class UiRecorder : public Orvane::OrvManagerCallback {
+// What a stand-in heard, in order; safe against the session's threads.
+class EventList {
 public:
-    void OnOrvE6ConnectionChanged(bool connected) override;
-    void OnOrvOrvaneConnectionChanged(int state) override;
-    void OnOrvOrvaneBatteryState(int percent) override;
-    void OnOrvShot() override;
-    void OnOrvReady() override;
-
     std::vector<std::string> Events() const;
-    bool Saw(const std::string& event) const;
+    bool Saw(const std::string& event) const { return Count(event) > 0; }
     int Count(const std::string& event) const;
     void Clear();
 
-private:
+protected:
     void Add(std::string event);
+
+private:
     mutable std::mutex mutex_;  // guards events_
     std::vector<std::string> events_;
 };
 
-// Stands in for the camera side: counts what the session asks of it.
-class RecordingProbe : public Orvane::RecordingControl {
+// Records the session's UI callbacks.
+class UiRecorder : public Orvane::OrvManagerCallback, public EventList {
 public:
-    bool StartRecording() override;
-    void StopRecording(int delaySeconds) override;
-    void ShowRecordingFile() override;
-    void ClosePlayer() override;
+    void OnOrvE6ConnectionChanged(bool connected) override { Add(connected ? "e6:1" : "e6:0"); }
+    void OnOrvOrvaneConnectionChanged(int state) override { Add("ble:" + std::to_string(state)); }
+    void OnOrvOrvaneBatteryState(int percent) override {
+        Add("battery:" + std::to_string(percent));
+    }
+    void OnOrvShot() override { Add("shot"); }
+    void OnOrvReady() override { Add("ready"); }
+};
+
+// Stands in for the camera side: records what the session asks of it.
+class RecordingProbe : public Orvane::RecordingControl, public EventList {
+public:
+    bool StartRecording() override {
+        Add("start");
+        return true;
+    }
+    void StopRecording(int delaySeconds) override { Add("stop:" + std::to_string(delaySeconds)); }
+    void ShowRecordingFile() override { Add("show"); }
+    void ClosePlayer() override { Add("close"); }
     bool IsRecordingAvailable() const override { return true; }
     std::string CurrentClip() override { return "/clips/MyRecord3.mp4"; }
-
-    std::vector<std::string> Calls() const;
-    int Count(const std::string& call) const;
-
-private:
-    void Add(std::string call);
-    mutable std::mutex mutex_;  // guards calls_
-    std::vector<std::string> calls_;
 };
+
+// Entries of a folder such as /proc/self/task or /proc/self/fd.
+int EntriesIn(const char* folder);
 
 Orvane::SessionTiming FastSessionTiming();
 

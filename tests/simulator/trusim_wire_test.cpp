@@ -111,7 +111,7 @@ TEST(StalledSimulator, SendThatCannotFinishInTimeIsASendErrorAndTheLinkReopens) 
     EXPECT_LT(sent, 100);
     EXPECT_EQ(orv::test::CountOf(log.Text(), "SendTruSimMessage("), 1u);
     EXPECT_EQ(orv::test::CountOf(log.Text(), ")] send() failed: "), 1u);
-    EXPECT_TRUE(Eventually([&] { return listener.counts().connects == 2; }));
+    EXPECT_TRUE(Eventually([&] { return listener.Count("connect") == 2; }));
     client.Stop();
     ::close(simulator);
 }
