@@ -71,9 +71,11 @@ protected:
         options.session.timing.pingInterval = 200ms;  // the battery is asked for on the ping pass
     }
     void TearDown() override {
-        dialog.reset();
-        TTS_DeInit();  // what the window's closing does when the user quits
+        // The window's closing order: speech and session end before the window goes,
+        // so no session thread calls into a window being destroyed.
+        TTS_DeInit();
         Orvane::OrvManager::ReleaseInstance();
+        dialog.reset();
         OrvSettings::ReleaseInstance();
         QLocale::setDefault(QLocale::c());
         LoadLanguageModule(1033);
