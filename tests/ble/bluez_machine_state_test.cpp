@@ -43,8 +43,8 @@ TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
         ASSERT_TRUE(machine.WaitState(3));
         EXPECT_EQ(machine.owner.States(), c.states);
         EXPECT_EQ(machine.bluez.DiscoveryStarts(), c.scans);
-        EXPECT_EQ(sensor.ConnectCalls(), c.connects);
-        EXPECT_EQ(sensor.DisconnectCalls(), c.disconnects);
+        EXPECT_EQ(sensor.Calls("Connect"), c.connects);
+        EXPECT_EQ(sensor.Calls("Disconnect"), c.disconnects);
         EXPECT_TRUE(sensor.Notifying());
         EXPECT_TRUE(machine.Answers());
     }
