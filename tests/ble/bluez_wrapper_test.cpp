@@ -16,6 +16,7 @@ using orv::test::Eventually;
 using orv::test::FakeDevice;
 using orv::test::FakeDeviceConfig;
 using States = std::vector<int32_t>;
+using Lines = std::vector<std::pair<std::string, size_t>>;  // and how often each shows
 
 TEST(BluezWrapper, ScansConnectsSubscribesWritesAndReceives) {
     BluezRig rig;
@@ -63,21 +64,29 @@ TEST(BluezWrapper, ScansConnectsSubscribesWritesAndReceives) {
     EXPECT_EQ(CountOf(log.Text(), ")] Connecting device:c0de5e450001\n"), 1u);
 }
 
-// Link troubles after the sensor was reached: the owner hears 0, the wrapper
-// scans again and the sensor answers on the new link.
+// Link troubles after the sensor was reached: the owner hears 0 with the
+// reason, the wrapper scans again and the sensor answers on the new link.
 TEST(BluezWrapper, LinkTroubleIsReportedAndLivedThrough) {
+    const std::string write = ")] Call disconnect(WriteCharacteristicValue)\n";
+    const std::string disconnect = ")] Disconnect()\n";
+    const std::string reason = ")] wclGattClientDisconnect reson:0005100";
     struct Case {
         const char* name;
         bool outOfRange;  // else a write fails
-        int stopNotifies;
-        int disconnects;
+        int calls;        // StopNotify and Disconnect each
+        Lines lines;
     };
-    for (const Case& c : {Case{"out of range", true, 0, 0}, Case{"failed write", false, 1, 1}}) {
+    const Case cases[] = {
+        {"out of range", true, 0, {{write, 0}, {disconnect, 0}, {reason + "b\n", 1}}},
+        {"failed write", false, 1, {{write, 1}, {disconnect, 1}, {reason + "c\n", 1}}},
+    };
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         BluezRig rig;
         FakeDevice& device = rig.bluez.AddDevice(SensorDevice());
         ASSERT_TRUE(rig.Start());
         ASSERT_TRUE(rig.WaitState(3));
+        LogCapture log;
         if (c.outOfRange) {
             device.Config().sensor->DropLink();
             ASSERT_TRUE(rig.WaitStates({1, 2, 3, 0, 1}));
@@ -97,8 +106,11 @@ TEST(BluezWrapper, LinkTroubleIsReportedAndLivedThrough) {
             states.erase(std::unique(states.begin(), states.end()), states.end());
             return states == States{1, 2, 3, 0, 1, 2, 3};
         })) << ::testing::PrintToString(rig.owner.States());
-        EXPECT_EQ(device.Calls("StopNotify"), c.stopNotifies);
-        EXPECT_EQ(device.Calls("Disconnect"), c.disconnects);
+        EXPECT_EQ(device.Calls("StopNotify"), c.calls);
+        EXPECT_EQ(device.Calls("Disconnect"), c.calls);
+        for (const auto& [line, count] : c.lines) {
+            EXPECT_EQ(CountOf(log.Text(), line), count) << line;
+        }
         EXPECT_TRUE(rig.Answers());
     }
 }
@@ -189,6 +201,8 @@ TEST(BluezWrapper, SystemBusMissingOrDyingIsWaitedOut) {
     rig.bluez.Stop();
 }
 
+// Stopping while notifications keep coming: once, for good, and a stopped
+// wrapper starts again from 0.
 TEST(BluezWrapper, StopTwiceLeavesNothingBehind) {
     BluezRig rig;
     FakeDevice& device = rig.bluez.AddDevice(SensorDevice());
@@ -196,17 +210,20 @@ TEST(BluezWrapper, StopTwiceLeavesNothingBehind) {
     ASSERT_TRUE(rig.WaitState(3));
     device.Config().sensor->Flood({0x0F, 0x02, 0x00, 0x01, 0x0C}, 500, 200);
     ASSERT_TRUE(Eventually([&] { return rig.owner.Data().size() > 5; }));
+    LogCapture log;
     rig.StopWrapper();
     const size_t calls = rig.owner.CallCount();
     rig.StopWrapper();
+    EXPECT_EQ(CountOf(log.Text(), ")] End\n"), 1u);
     EXPECT_EQ(rig.wrapper->GetState(), 0);
     EXPECT_FALSE(device.Connected());
     EXPECT_EQ(device.Calls("StopNotify"), 1);
-    // Our connection is gone: bluetoothd forgets its agent and sessions.
+    // Our connection is gone: bluetoothd forgets its agent.
     EXPECT_TRUE(Eventually([&] { return rig.bluez.Agent().owner.empty(); }));
-    EXPECT_FALSE(rig.bluez.Discovering());
     std::this_thread::sleep_for(30ms);  // room for a stray callback to show up
     EXPECT_EQ(rig.owner.CallCount(), calls);
+    rig.wrapper->Start();
+    EXPECT_TRUE(rig.WaitState(3));
 }
 
 }  // namespace

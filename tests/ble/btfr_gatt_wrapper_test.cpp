@@ -201,27 +201,6 @@ TEST_F(WrapperTest, WithoutUsableRadioStateStaysScanning) {
     }
 }
 
-TEST_F(WrapperTest, LinkLossAndFailedWriteReportZeroAndReconnect) {
-    Build({Peripheral(kFirst, "orvane-demo")});
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    stack_->DropLink();
-    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1, 2, 3}));
-    EXPECT_EQ(stack_->DiscoveryCount(), 2);
-
-    VirtualStackFaults faults;
-    faults.failWrites = 1;
-    stack_->SetFaults(faults);
-    LogCapture log;
-    EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
-    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3}));
-    EXPECT_EQ(stack_->UnsubscribeCount(), 1);
-    const std::string text = log.Text();
-    EXPECT_EQ(CountOf(text, ")] Call disconnect(WriteCharacteristicValue)\n"), 1u);
-    EXPECT_EQ(CountOf(text, ")] Disconnect()\n"), 1u);
-    EXPECT_EQ(CountOf(text, ")] wclGattClientDisconnect reson:0005100c\n"), 1u);
-}
-
 TEST_F(WrapperTest, WriteWhileNotConnectedFailsWithoutDisconnecting) {
     Build({});
     wrapper_->SetTiming({std::chrono::seconds(10), 20ms});  // idle after the first scan
@@ -234,32 +213,6 @@ TEST_F(WrapperTest, WriteWhileNotConnectedFailsWithoutDisconnecting) {
     EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
     EXPECT_EQ(CountOf(log.Text(), ")] Call disconnect(WriteCharacteristicValue)\n"), 1u);
     EXPECT_EQ(CountOf(log.Text(), ")] Disconnect()\n"), 0u);
-}
-
-TEST_F(WrapperTest, StopTwiceAndNoCallbackAfterStop) {
-    VirtualPeripheral peripheral = Peripheral(kFirst, "orvane-demo");
-    auto sensor = peripheral.sensor;
-    Build({peripheral});
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    // Notifications keep coming while the wrapper stops.
-    sensor->Flood(kFirmwareAnswer, 2000, 400);
-    ASSERT_TRUE(Eventually([&] { return owner_.Data().size() > 10; }));
-    {
-        LogCapture log;
-        wrapper_->Stop();
-        const size_t calls = owner_.CallCount();
-        wrapper_->Stop();
-        EXPECT_EQ(CountOf(log.Text(), ")] End\n"), 1u);
-        EXPECT_EQ(wrapper_->GetState(), 0);
-        const uint64_t sent = sensor->NotificationsSent();
-        std::this_thread::sleep_for(30ms);  // room for a stray callback to show up
-        EXPECT_EQ(owner_.CallCount(), calls);
-        EXPECT_EQ(sensor->NotificationsSent(), sent);
-    }
-    // A stopped wrapper starts again from 0.
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
 }
 
 TEST(DemoStack, OffersOneAnsweringSensorNamedOrvaneDemo) {

@@ -289,11 +289,6 @@ int FakeBluez::DiscoveryStarts() const {
     return discoveryStarts_;
 }
 
-bool FakeBluez::Discovering() const {
-    std::lock_guard lock(bus_.mutex);
-    return !clients_.empty();
-}
-
 std::string FakeBluez::LastDiscoveryFilter() const {
     std::lock_guard lock(bus_.mutex);
     return lastFilter_;

@@ -44,7 +44,6 @@ public:
     void SetPowered(bool powered);
 
     int DiscoveryStarts() const;
-    bool Discovering() const;
     std::string LastDiscoveryFilter() const;  // its Transport
     FakeBus::Agent Agent() const;
     // A request to the registered agent on behalf of `device`.
