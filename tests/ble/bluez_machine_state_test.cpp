@@ -53,7 +53,7 @@ TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
 TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     BluezRig machine;
     FakeDeviceConfig config = SensorDevice();
-    config.pairing = orv::test::FakePairing::Passkey;
+    config.pairs = true;
     FakeDevice& sensor = machine.bluez.AddDevice(config);
     FakeDevice& headset =
         machine.bluez.AddDevice({.address = "C0:DE:5E:45:00:99", .name = "headset", .known = true});
@@ -90,7 +90,7 @@ TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     EXPECT_EQ(CountOf(log.Text(), ")] wclBthPinRequest Pin: 7316\n"), 1u);
 
     // Once its link is gone, the sensor is no longer answered either.
-    sensor.SetInRange(false);
+    sensor.Config().sensor->DropLink();
     ASSERT_TRUE(machine.WaitStates({1, 2, 3, 0, 1}));
     EXPECT_EQ(machine.bluez.AskAgent(sensor, "RequestPasskey").error, rejected);
 }

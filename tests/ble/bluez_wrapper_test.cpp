@@ -121,18 +121,21 @@ TEST(BluezWrapper, UnusableDeviceIsRetried) {
     struct Case {
         const char* name;
         bool resolves;
+        bool sensorService;
         States cycle;
         std::string line;
     };
     const Case cases[] = {
-        {"services never resolved", false, {1, 2}, ")] wclGattClientConnect ret:00051007\n"},
-        {"nothing to subscribe to", true, {1, 2, 0}, ")] Disconnect()\n"},
+        {"services never resolved", false, true, {1, 2}, ")] wclGattClientConnect ret:00051007\n"},
+        {"no sensor service", true, false, {1, 2, 0}, ")] GetService return false\n"},
+        {"nothing to subscribe to", true, true, {1, 2, 0}, ")] Disconnect()\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         BluezRig rig;
         FakeDeviceConfig config = SensorDevice();
         config.resolveServices = c.resolves;
+        config.sensorService = c.sensorService;
         config.notifies = false;
         FakeDevice& device = rig.bluez.AddDevice(config);
         LogCapture log;
@@ -165,7 +168,7 @@ TEST(BluezWrapper, MissingOrSwitchedOffAdapterIsWaitedOut) {
         EXPECT_EQ(rig.bluez.DiscoveryStarts(), 0);
         if (present) {
             EXPECT_EQ(CountOf(log.Text(), ")] Every Bluetooth adapter is switched off\n"), 1u);
-            rig.bluez.SetPowered(true);
+            rig.bluez.PowerOn();
             EXPECT_TRUE(rig.WaitState(3));
         } else {
             EXPECT_EQ(rig.owner.States(), (States{1}));

@@ -127,18 +127,8 @@ void FakeBluez::AddOtherScanner() {
     clients_.insert(":other.scanner");
 }
 
-void FakeBluez::SetPowered(bool powered) {
-    bus_.RunOnWorker([&] {
-        adapter_->Set({{"Powered", Variant(powered)}});
-        bool ended = false;
-        {
-            std::lock_guard lock(bus_.mutex);
-            ended = !powered && !clients_.empty();
-        }
-        if (ended) {
-            EndDiscovery();
-        }
-    });
+void FakeBluez::PowerOn() {
+    bus_.RunOnWorker([this] { adapter_->Set({{"Powered", Variant(true)}}); });
 }
 
 void FakeBluez::ExportAdapter() {
@@ -165,7 +155,8 @@ void FakeBluez::ExportAdapter() {
         false);
 }
 
-// One agent, the last registered; the default when its path is asked for.
+// One agent, the last registered, the default when its path is asked for;
+// it goes with its client.
 void FakeBluez::ExportAgentManager() {
     agentManager_ =
         std::make_unique<FakeObject>(bus_, bluez::kBluezPath, kAgentManagerInterface, VariantMap{});
@@ -183,14 +174,6 @@ void FakeBluez::ExportAgentManager() {
                 .implementedAs([this](sdbus::ObjectPath path) {
                     std::lock_guard lock(bus_.mutex);
                     bus_.agent.isDefault = bus_.agent.path == path;
-                });
-            o.registerMethod("UnregisterAgent")
-                .onInterface(kAgentManagerInterface)
-                .implementedAs([this](sdbus::ObjectPath path) {
-                    std::lock_guard lock(bus_.mutex);
-                    if (bus_.agent.path == path) {
-                        bus_.agent = {};
-                    }
                 });
         },
         false);

@@ -41,7 +41,7 @@ public:
     // Another client (a desktop's Bluetooth panel) keeps a discovery
     // running, so devices in range carry an RSSI.
     void AddOtherScanner();
-    void SetPowered(bool powered);
+    void PowerOn();
 
     int DiscoveryStarts() const;
     std::string LastDiscoveryFilter() const;  // its Transport

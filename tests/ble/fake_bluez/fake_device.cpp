@@ -57,13 +57,15 @@ FakeDevice::FakeDevice(FakeBus& bus, FakeDeviceConfig config, const std::string&
       device_(bus, DevicePath(adapterPath, config_.address), kDeviceInterface,
               DeviceProperties(config_, adapterPath)),
       hangsLeft_(config_.hangingConnects) {
-    const std::vector<std::pair<const char*, std::vector<std::pair<const char*, Strings>>>> layout =
-        {
-            {kGenericAccessUuid, {{kDeviceNameUuid, {"read"}}}},
-            {kSensorServiceUuid,
-             {{kSensorWriteUuid, {"write-without-response", "write"}},
-              {kSensorNotifyUuid, {config_.notifies ? "notify" : "read"}}}},
-        };
+    std::vector<std::pair<const char*, std::vector<std::pair<const char*, Strings>>>> layout = {
+        {kGenericAccessUuid, {{kDeviceNameUuid, {"read"}}}},
+        {kSensorServiceUuid,
+         {{kSensorWriteUuid, {"write-without-response", "write"}},
+          {kSensorNotifyUuid, {config_.notifies ? "notify" : "read"}}}},
+    };
+    if (!config_.sensorService) {
+        layout.pop_back();
+    }
     int handle = 1;
     for (const auto& [uuid, characteristics] : layout) {
         const std::string path = Numbered(Path(), "service", handle++);
@@ -184,7 +186,7 @@ void FakeDevice::ExportGatt() {
 }
 
 bool FakeDevice::Pair() {
-    if (config_.pairing == FakePairing::None || device_.Read<bool>("Paired")) {
+    if (!config_.pairs || device_.Read<bool>("Paired")) {
         return true;
     }
     // The sensor takes only its own passkey.
@@ -273,16 +275,6 @@ void FakeDevice::EndLink() {
     device_.Set({{"Connected", Variant(false)}, {"ServicesResolved", Variant(false)}});
     if (config_.sensor) {
         config_.sensor->Detach();
-    }
-}
-
-void FakeDevice::SetInRange(bool inRange) {
-    {
-        std::lock_guard lock(bus_.mutex);
-        inRange_ = inRange;
-    }
-    if (!inRange) {
-        bus_.RunOnWorker([this] { EndLink(); });
     }
 }
 

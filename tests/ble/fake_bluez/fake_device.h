@@ -17,14 +17,13 @@
 
 namespace orv::test {
 
-enum class FakePairing { None, Passkey };
-
 struct FakeDeviceConfig {
     std::string address;                      // "C0:DE:5E:45:00:01"
     std::optional<std::string> name;          // absent: only the Alias is there
     std::string alias{};                      // empty: the name, else the address with '-'
     std::shared_ptr<VirtualSensor> sensor{};  // may be null
-    FakePairing pairing = FakePairing::None;  // asked of the agent on Connect
+    bool pairs = false;                       // a passkey asked of the agent on Connect
+    bool sensorService = true;                // false: generic access only
     bool notifies = true;                     // false: the notify characteristic only reads
     bool resolveServices = true;              // false: ServicesResolved never comes
     bool known = false;                       // in GetManagedObjects from the start
@@ -52,8 +51,7 @@ public:
     // The object path of the characteristic with `uuid`.
     std::string CharacteristicPath(const std::string& uuid) const;
 
-    // Test controls. Out of range, scans miss it and a link drops.
-    void SetInRange(bool inRange);
+    // Test controls.
     void FailWrites(bool fail);
     // A Value change from `path` while linked, whatever is there.
     void EmitValue(const std::string& path, const std::vector<uint8_t>& value);
@@ -68,9 +66,7 @@ public:
     std::string PairingAnswer() const { return Locked(pairingAnswer_); }
 
     // For the fake service, on its worker.
-    bool InRange() const {
-        return Locked(inRange_) && (!config_.sensor || config_.sensor->InRange());
-    }
+    bool InRange() const { return !config_.sensor || config_.sensor->InRange(); }
     void Export(bool announce = false);  // the Device1 object
     void LinkAtStart();                  // as connectedAtStart asks, before org.bluez is taken
     void Announce();                     // new: InterfacesAdded; known: an RSSI when it has none
@@ -105,7 +101,6 @@ private:
     std::vector<std::unique_ptr<FakeObject>> characteristics_;
 
     // Guarded by bus_.mutex, with the objects' properties:
-    bool inRange_ = true;
     bool failWrites_ = false;
     std::map<std::string, int> calls_;
     std::vector<FakeWrite> writes_;
