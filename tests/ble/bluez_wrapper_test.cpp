@@ -38,10 +38,8 @@ TEST(BluezWrapper, ScansConnectsSubscribesWritesAndReceives) {
     EXPECT_TRUE(agent.isDefault);
 
     ASSERT_TRUE(rig.Answers());
-    ASSERT_EQ(device.Writes().size(), 1u);
-    EXPECT_EQ(device.Writes()[0].value, kFirmwareRequest);
-    EXPECT_EQ(device.Writes()[0].type, "command");
-    EXPECT_EQ(device.Writes()[0].uuid, kSensorWriteUuid);
+    const orv::test::FakeWrite written{kFirmwareRequest, "command", kSensorWriteUuid};
+    EXPECT_EQ(device.Writes(), std::vector{written});
 
     // Repeated values arrive once per notification.
     const std::vector<uint8_t> signal = {0x0F, 0x02, 0x00, 0x01, 0x0C};

@@ -267,21 +267,6 @@ void FakeBluez::OnClientGone(const std::string& name) {
     }
 }
 
-int FakeBluez::DiscoveryStarts() const {
-    std::lock_guard lock(bus_.mutex);
-    return discoveryStarts_;
-}
-
-std::string FakeBluez::LastDiscoveryFilter() const {
-    std::lock_guard lock(bus_.mutex);
-    return lastFilter_;
-}
-
-FakeBus::Agent FakeBluez::Agent() const {
-    std::lock_guard lock(bus_.mutex);
-    return bus_.agent;
-}
-
 FakeBus::AgentAnswer FakeBluez::AskAgent(const FakeDevice& device, const std::string& method) {
     FakeBus::AgentAnswer answer;
     bus_.RunOnWorker([&] { answer = bus_.AskAgent(method, device.Path()); });

@@ -43,9 +43,9 @@ public:
     void AddOtherScanner();
     void PowerOn();
 
-    int DiscoveryStarts() const;
-    std::string LastDiscoveryFilter() const;  // its Transport
-    FakeBus::Agent Agent() const;
+    int DiscoveryStarts() const { return bus_.Locked(discoveryStarts_); }
+    std::string LastDiscoveryFilter() const { return bus_.Locked(lastFilter_); }  // its Transport
+    FakeBus::Agent Agent() const { return bus_.Locked(bus_.agent); }
     // A request to the registered agent on behalf of `device`.
     FakeBus::AgentAnswer AskAgent(const FakeDevice& device, const std::string& method);
 

@@ -40,6 +40,12 @@ struct FakeBus {
     sdbus::IConnection* connection = nullptr;
     sdbus::IObject* root = nullptr;  // "/" with the object manager
 
+    // A copy of a model field, read under the lock.
+    template <typename T>
+    T Locked(const T& field) const {
+        std::lock_guard lock(mutex);
+        return field;
+    }
     // Runs `task` on the worker and returns when it is done.
     void RunOnWorker(const std::function<void()>& task);
     // One Agent1 request on behalf of a device, as bluetoothd makes it

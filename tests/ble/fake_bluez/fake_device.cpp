@@ -86,7 +86,13 @@ FakeDevice::FakeDevice(FakeBus& bus, FakeDeviceConfig config, const std::string&
 }
 
 FakeDevice::~FakeDevice() {
-    if (config_.sensor) {
+    AttachSensor(false);
+}
+
+void FakeDevice::AttachSensor(bool attach) {
+    if (config_.sensor && attach) {
+        config_.sensor->Attach(this);
+    } else if (config_.sensor) {
         config_.sensor->Detach();
     }
 }
@@ -112,27 +118,16 @@ void FakeDevice::LinkAtStart() {
     device_.Set({{"Connected", Variant(true)}, {"ServicesResolved", Variant(true)}});
     Export();
     ExportGatt();
-    if (config_.sensor) {
-        config_.sensor->Attach(this);
-    }
+    AttachSensor(true);
 }
 
 // A listed device shows that it advertises through its RSSI, which
 // bluetoothd tells only when it moves by 8 dBm: once per discovery here.
 void FakeDevice::Announce() {
-    bool listed = false;
-    bool hasRssi = false;
-    {
-        std::lock_guard lock(bus_.mutex);
-        listed = device_.Exported();
-        hasRssi = device_.Find("RSSI") != nullptr;
-    }
-    if (!hasRssi) {
+    if (device_.Read<int16_t>("RSSI") == 0) {  // none
         device_.Set({{"RSSI", Variant(int16_t{-50})}});
     }
-    if (!listed) {
-        Export(true);
-    }
+    Export(true);  // the first time it is heard
 }
 
 void FakeDevice::ForgetRssi() {
@@ -143,9 +138,7 @@ void FakeDevice::ForgetRssi() {
 
 // Objects go first, so that nothing of the reset is told.
 void FakeDevice::Unexport() {
-    if (config_.sensor) {
-        config_.sensor->Detach();
-    }
+    AttachSensor(false);
     for (auto& object : characteristics_) {
         object->Unexport();
         object->Set({{"Notifying", Variant(false)}});
@@ -236,9 +229,7 @@ void FakeDevice::Connect(const std::shared_ptr<sdbus::Result<>>& reply) {
     if (config_.resolveServices) {
         device_.Set({{"ServicesResolved", Variant(true)}});
     }
-    if (config_.sensor) {
-        config_.sensor->Attach(this);
-    }
+    AttachSensor(true);
 }
 
 // bluetoothd's order: ServicesResolved false, the method reply, Connected
@@ -262,9 +253,7 @@ void FakeDevice::Disconnect(const std::shared_ptr<sdbus::Result<>>& reply) {
     device_.Set({{"ServicesResolved", Variant(false)}});
     reply->returnResults();
     device_.Set({{"Connected", Variant(false)}});
-    if (config_.sensor) {
-        config_.sensor->Detach();
-    }
+    AttachSensor(false);
 }
 
 // A link loss: one signal with both flags. Notifying stays as it was.
@@ -273,9 +262,7 @@ void FakeDevice::EndLink() {
         return;
     }
     device_.Set({{"Connected", Variant(false)}, {"ServicesResolved", Variant(false)}});
-    if (config_.sensor) {
-        config_.sensor->Detach();
-    }
+    AttachSensor(false);
 }
 
 void FakeDevice::SensorNotify(const SensorFrame& frame) {
@@ -325,7 +312,7 @@ void FakeDevice::Notify(FakeObject& c, bool on) {
         if (on && !device_.Get<bool>("Connected")) {
             throw Failed("Not connected");
         }
-        if (on && !Has(c, "notify") && !Has(c, "indicate")) {
+        if (on && !Has(c, "notify")) {
             throw sdbus::Error("org.bluez.Error.NotSupported", "Operation is not supported");
         }
         if (c.Get<bool>("Notifying") == on) {
@@ -337,19 +324,14 @@ void FakeDevice::Notify(FakeObject& c, bool on) {
 
 void FakeDevice::WriteValue(FakeObject& c, const std::vector<uint8_t>& value,
                             const VariantMap& options) {
-    std::string type;
-    const auto option = options.find("type");
-    if (option != options.end() && option->second.containsValueOfType<std::string>()) {
-        type = option->second.get<std::string>();
-    }
+    const std::string type = options.count("type") ? options.at("type").get<std::string>() : "";
     std::shared_ptr<VirtualSensor> sensor;
     {
         std::lock_guard lock(bus_.mutex);
         if (!device_.Get<bool>("Connected")) {
             throw Failed("Not connected");
         }
-        const bool command = type == "command" || (type.empty() && !Has(c, "write"));
-        if (!Has(c, command ? "write-without-response" : "write")) {
+        if (!Has(c, type == "command" ? "write-without-response" : "write")) {
             throw sdbus::Error("org.bluez.Error.NotSupported", "Operation is not supported");
         }
         if (failWrites_) {

@@ -37,6 +37,7 @@ struct FakeWrite {
     std::vector<uint8_t> value;
     std::string type;  // the "type" option: "command", "request" or empty
     std::string uuid;  // of the characteristic written
+    bool operator==(const FakeWrite&) const = default;
 };
 
 class FakeDevice : private VirtualSensorHost {
@@ -60,10 +61,10 @@ public:
     bool Connected() const { return device_.Read<bool>("Connected"); }
     bool Notifying() const { return ByUuid(kSensorNotifyUuid).Read<bool>("Notifying"); }
     // How often the client called "Connect", "Disconnect", "StartNotify", "StopNotify".
-    int Calls(const std::string& method) const { return Locked(calls_)[method]; }
-    std::vector<FakeWrite> Writes() const { return Locked(writes_); }
+    int Calls(const std::string& method) const { return bus_.Locked(calls_)[method]; }
+    std::vector<FakeWrite> Writes() const { return bus_.Locked(writes_); }
     // What the agent answered on Connect, or "refused".
-    std::string PairingAnswer() const { return Locked(pairingAnswer_); }
+    std::string PairingAnswer() const { return bus_.Locked(pairingAnswer_); }
 
     // For the fake service, on its worker.
     bool InRange() const { return !config_.sensor || config_.sensor->InRange(); }
@@ -77,6 +78,7 @@ private:
     void SensorNotify(const SensorFrame& frame) override;
     void SensorLinkDropped() override;
 
+    void AttachSensor(bool attach);
     void ExportGatt();
     void Connect(const std::shared_ptr<sdbus::Result<>>& reply);
     void Disconnect(const std::shared_ptr<sdbus::Result<>>& reply);
@@ -87,12 +89,6 @@ private:
     void Notify(FakeObject& characteristic, bool on);
     void WriteValue(FakeObject& characteristic, const std::vector<uint8_t>& value,
                     const VariantMap& options);
-
-    template <typename T>
-    T Locked(const T& field) const {
-        std::lock_guard lock(bus_.mutex);
-        return field;
-    }
 
     FakeBus& bus_;
     const FakeDeviceConfig config_;
