@@ -59,10 +59,9 @@ private:
 
 // A sensor that answers within a millisecond and swings in a few.
 inline std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name) {
-    VirtualSensorTiming timing;
-    timing.answerDelay = std::chrono::milliseconds(1);
-    timing.stepGap = std::chrono::milliseconds(5);
-    return std::make_shared<VirtualSensor>(name, timing);
+    using std::chrono::milliseconds;
+    return std::make_shared<VirtualSensor>(
+        name, VirtualSensorTiming{.answerDelay = milliseconds(1), .stepGap = milliseconds(5)});
 }
 
 // A wrapper over `stack` with the session's filter "orvane" and the

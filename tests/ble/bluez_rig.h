@@ -30,11 +30,8 @@ struct BluezRig {
 
     static BluezTiming Timing(std::chrono::milliseconds connect = std::chrono::seconds(3),
                               std::chrono::milliseconds resolve = std::chrono::seconds(2)) {
-        BluezTiming timing;
-        timing.connect = connect;
-        timing.resolve = resolve;
-        timing.adapterWait = std::chrono::milliseconds(100);
-        return timing;
+        return {
+            .connect = connect, .resolve = resolve, .adapterWait = std::chrono::milliseconds(100)};
     }
     bool Start(const BluezTiming& timing = Timing()) {
         if (!bus.ok() || !bluez.Start()) {

@@ -28,12 +28,6 @@ VirtualPeripheral Peripheral(uint64_t address, const std::string& name) {
     return peripheral;
 }
 
-VirtualStackFaults Fault(int VirtualStackFaults::*field, int count) {
-    VirtualStackFaults faults;
-    faults.*field = count;
-    return faults;
-}
-
 class WrapperTest : public ::testing::Test {
 protected:
     void Build(const std::vector<VirtualPeripheral>& peripherals, VirtualStackFaults faults = {}) {
@@ -41,10 +35,7 @@ protected:
             wrapper_->Stop();
         }
         owner_.Clear();
-        VirtualStackTiming timing;
-        timing.connect = 5ms;
-        timing.foundGap = 1ms;
-        auto stack = MakeVirtualStack(peripherals, timing);
+        auto stack = MakeVirtualStack(peripherals, {.connect = 5ms, .foundGap = 1ms});
         stack->SetFaults(faults);
         stack_ = stack.get();
         wrapper_ = MakeSensorWrapper(std::move(stack), owner_, {20ms, 40ms});
@@ -111,21 +102,21 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
          {}, e260 + "!", {1, 2, 3}, {0x0101}, 1, {}},
         {"last found first, the other without a new scan",
          {Peripheral(kFirst, "orvane-1"), Peripheral(kSecond, "orvane-2")},
-         Fault(&VirtualStackFaults::failConnectEvents, 1), "", {1, 2, 2, 3}, {kSecond, kFirst}, 1,
+         {.failConnectEvents = 1}, "", {1, 2, 2, 3}, {kSecond, kFirst}, 1,
          {{")] wclGattClientConnect ret:00000000\n", 1}}},
-        {"discovery refused twice", demo, Fault(&VirtualStackFaults::failDiscoveryStarts, 2), "",
+        {"discovery refused twice", demo, {.failDiscoveryStarts = 2}, "",
          {1, 1, 1, 2, 3}, {kFirst}, 1, {{")] Error starting discovering: 00051008\n", 2}}},
-        {"connect call refused", demo, Fault(&VirtualStackFaults::failConnectCalls, 1), "",
+        {"connect call refused", demo, {.failConnectCalls = 1}, "",
          {1, 2, 1, 2, 3}, {kFirst, kFirst}, 2,
          {{")] Connect error:00051008\n", 1}, {")] wclGattClientConnect ret:00000000\n", 1}}},
-        {"4 descriptor failures", demo, Fault(&VirtualStackFaults::failClientConfigurations, 4), "",
+        {"4 descriptor failures", demo, {.failClientConfigurations = 4}, "",
          {1, 2, 3}, {kFirst}, 1, {{")] WriteClientConfiguration fail." + err, 4}}},
-        {"5 descriptor failures", demo, Fault(&VirtualStackFaults::failClientConfigurations, 5), "",
+        {"5 descriptor failures", demo, {.failClientConfigurations = 5}, "",
          {1, 2, 0, 1, 2, 3}, {kFirst, kFirst}, 2,
          {{")] WriteClientConfiguration fail." + err, 5}, {"[BtfrGattWrapper::GetDescriptor(", 5}}},
-        {"4 subscribe failures", demo, Fault(&VirtualStackFaults::failSubscribes, 4), "",
+        {"4 subscribe failures", demo, {.failSubscribes = 4}, "",
          {1, 2, 3}, {kFirst}, 1, {{")] Subscribe fail." + err, 4}}},
-        {"5 subscribe failures", demo, Fault(&VirtualStackFaults::failSubscribes, 5), "",
+        {"5 subscribe failures", demo, {.failSubscribes = 5}, "",
          {1, 2, 0, 1, 2, 3}, {kFirst, kFirst}, 2,
          {{")] Subscribe fail." + err, 5}, {"[BtfrGattWrapper::GetDescriptor(", 5}}},
     };
@@ -156,10 +147,7 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
 // Without a usable radio the state stays scanning and the log says so once.
 TEST_F(WrapperTest, WithoutUsableRadioStateStaysScanning) {
     for (const int radios : {0, 1}) {
-        VirtualStackFaults faults;
-        faults.radioCount = radios;
-        faults.radioUsable = false;
-        Build({Peripheral(kFirst, "orvane-demo")}, faults);
+        Build({Peripheral(kFirst, "orvane-demo")}, {.radioCount = radios, .radioUsable = false});
         LogCapture log;
         wrapper_->Start();
         ASSERT_TRUE(WaitState(1));
