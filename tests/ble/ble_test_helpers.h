@@ -57,6 +57,31 @@ private:
     std::vector<std::vector<uint8_t>> data_;
 };
 
+// The owner and the wrapper reporting to it, stopped before anything else
+// of the test goes.
+struct WrapperRig {
+    RecordingOwner owner;  // outlives the wrapper
+    std::unique_ptr<BtfrGattWrapper> wrapper;
+
+    ~WrapperRig() { StopWrapper(); }
+    void StopWrapper() {
+        if (wrapper) {
+            wrapper->Stop();
+        }
+    }
+    bool WaitState(int32_t state) {
+        return orv::test::Eventually([&] { return wrapper->GetState() == state; });
+    }
+    bool WaitStates(const std::vector<int32_t>& states) {
+        return orv::test::Eventually([&] { return owner.States() == states; });
+    }
+    // The sensor answers the firmware request over the link.
+    bool Answers() {
+        return wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3) &&
+               orv::test::Eventually([&] { return owner.Received(kFirmwareAnswer); });
+    }
+};
+
 // A sensor that answers within a millisecond and swings in a few.
 inline std::shared_ptr<VirtualSensor> QuickSensor(const std::string& name) {
     using std::chrono::milliseconds;

@@ -28,25 +28,15 @@ VirtualPeripheral Peripheral(uint64_t address, const std::string& name) {
     return peripheral;
 }
 
-class WrapperTest : public ::testing::Test {
+class WrapperTest : public ::testing::Test, protected WrapperRig {
 protected:
     void Build(const std::vector<VirtualPeripheral>& peripherals, VirtualStackFaults faults = {}) {
-        if (wrapper_) {
-            wrapper_->Stop();
-        }
-        owner_.Clear();
+        StopWrapper();
+        owner.Clear();
         auto stack = MakeVirtualStack(peripherals, {.connect = 5ms, .foundGap = 1ms});
         stack->SetFaults(faults);
         stack_ = stack.get();
-        wrapper_ = MakeSensorWrapper(std::move(stack), owner_, {20ms, 40ms});
-    }
-    void TearDown() override {
-        if (wrapper_) {
-            wrapper_->Stop();
-        }
-    }
-    bool WaitState(int32_t state) {
-        return Eventually([&] { return wrapper_->GetState() == state; });
+        wrapper = MakeSensorWrapper(std::move(stack), owner, {20ms, 40ms});
     }
     // Lets `count` supervision ticks pass.
     void WaitTicks(int count) {
@@ -54,9 +44,7 @@ protected:
         ASSERT_TRUE(Eventually([&] { return stack_->OpenPolls() >= start + count; }));
     }
 
-    RecordingOwner owner_;  // outlives the wrapper
     VirtualStack* stack_ = nullptr;
-    std::unique_ptr<BtfrGattWrapper> wrapper_;
 };
 
 // From Start to a subscribed link: which device is taken, what the owner
@@ -125,13 +113,13 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
         SCOPED_TRACE(c.name);
         Build(c.peripherals, c.faults);
         if (!c.filter.empty()) {
-            wrapper_->SetDeviceNameFilter(c.filter);
+            wrapper->SetDeviceNameFilter(c.filter);
         }
         LogCapture log;
-        wrapper_->Start();
+        wrapper->Start();
         ASSERT_TRUE(WaitState(3));
         WaitTicks(2);
-        EXPECT_EQ(owner_.States(), c.states);
+        EXPECT_EQ(owner.States(), c.states);
         EXPECT_EQ(stack_->ConnectAttempts(), c.connects);
         EXPECT_EQ(stack_->DiscoveryCount(), c.scans);
         for (const auto& [line, count] : c.lines) {
@@ -139,8 +127,7 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
             EXPECT_TRUE(count == 0 ? seen > 0 : seen == count) << line << " seen " << seen;
         }
         // The subscription carries the sensor's answers.
-        ASSERT_TRUE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
-        EXPECT_TRUE(Eventually([&] { return owner_.Received(kFirmwareAnswer); }));
+        EXPECT_TRUE(Answers());
     }
 }
 
@@ -149,10 +136,10 @@ TEST_F(WrapperTest, WithoutUsableRadioStateStaysScanning) {
     for (const int radios : {0, 1}) {
         Build({Peripheral(kFirst, "orvane-demo")}, {.radioCount = radios, .radioUsable = false});
         LogCapture log;
-        wrapper_->Start();
+        wrapper->Start();
         ASSERT_TRUE(WaitState(1));
         WaitTicks(5);
-        EXPECT_EQ(owner_.States(), (States{1})) << radios;
+        EXPECT_EQ(owner.States(), (States{1})) << radios;
         EXPECT_EQ(stack_->DiscoveryCount(), 0);
         EXPECT_EQ(CountOf(log.Text(), "!!! ERROR"), 1u);
         EXPECT_EQ(CountOf(log.Text(), ")] No one Bluetooth Radio found.\n"), 1u);
@@ -161,27 +148,26 @@ TEST_F(WrapperTest, WithoutUsableRadioStateStaysScanning) {
 
 TEST_F(WrapperTest, WriteWhileNotConnectedFailsWithoutDisconnecting) {
     Build({});
-    wrapper_->SetTiming({std::chrono::seconds(10), 20ms});  // idle after the first scan
+    wrapper->SetTiming({std::chrono::seconds(10), 20ms});  // idle after the first scan
     LogCapture log;
-    wrapper_->Start();
+    wrapper->Start();
     ASSERT_TRUE(
-        Eventually([&] { return stack_->DiscoveryCount() == 1 && wrapper_->GetState() == 0; }));
-    EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
-    wrapper_->Stop();
-    EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
+        Eventually([&] { return stack_->DiscoveryCount() == 1 && wrapper->GetState() == 0; }));
+    EXPECT_FALSE(wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3));
+    wrapper->Stop();
+    EXPECT_FALSE(wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3));
     EXPECT_EQ(CountOf(log.Text(), ")] Call disconnect(WriteCharacteristicValue)\n"), 1u);
     EXPECT_EQ(CountOf(log.Text(), ")] Disconnect()\n"), 0u);
 }
 
 TEST(DemoStack, OffersOneAnsweringSensorNamedOrvaneDemo) {
-    RecordingOwner owner;
-    auto wrapper = MakeSensorWrapper(MakeDemoStack(), owner, {20ms, 40ms});
-    wrapper->Start();
-    ASSERT_TRUE(Eventually([&] { return wrapper->GetState() == 3; }));
+    WrapperRig rig;
+    rig.wrapper = MakeSensorWrapper(MakeDemoStack(), rig.owner, {20ms, 40ms});
+    rig.wrapper->Start();
+    ASSERT_TRUE(rig.WaitState(3));
     const std::vector<uint8_t> clubRequest = {0x0C, 0x00, 0x0C};
-    ASSERT_TRUE(wrapper->WriteCharacteristic(clubRequest.data(), 3));
-    EXPECT_TRUE(Eventually([&] { return owner.Received({0x01, 0x01, 0x01, 0x01}); }));
-    wrapper->Stop();
+    ASSERT_TRUE(rig.wrapper->WriteCharacteristic(clubRequest.data(), 3));
+    EXPECT_TRUE(Eventually([&] { return rig.owner.Received({0x01, 0x01, 0x01, 0x01}); }));
 }
 
 }  // namespace
