@@ -76,7 +76,6 @@ public:
     sdbus::IObject& Object() { return *object_; }
 
     // Under the model lock.
-    bool Exported() const { return exported_; }
     const sdbus::Variant* Find(const std::string& name) const;
     template <typename T>
     T Get(const std::string& name) const {

@@ -31,11 +31,7 @@ std::string Numbered(const std::string& parent, const char* kind, int handle) {
 }
 
 VariantMap DeviceProperties(const FakeDeviceConfig& config, const std::string& adapterPath) {
-    std::string alias = config.alias;
-    if (alias.empty()) {
-        alias = config.name.value_or(config.address);
-        std::replace(alias.begin(), alias.end(), ':', '-');
-    }
+    const std::string alias = config.alias.empty() ? config.name.value_or("") : config.alias;
     VariantMap properties{{"Address", Variant(config.address)},
                           {"Alias", Variant(alias)},
                           {"Adapter", Variant(sdbus::ObjectPath(adapterPath))},

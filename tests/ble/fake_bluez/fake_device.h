@@ -20,7 +20,7 @@ namespace orv::test {
 struct FakeDeviceConfig {
     std::string address;                      // "C0:DE:5E:45:00:01"
     std::optional<std::string> name;          // absent: only the Alias is there
-    std::string alias{};                      // empty: the name, else the address with '-'
+    std::string alias{};                      // empty: the name
     std::shared_ptr<VirtualSensor> sensor{};  // may be null
     bool pairs = false;                       // a passkey asked of the agent on Connect
     bool sensorService = true;                // false: generic access only
