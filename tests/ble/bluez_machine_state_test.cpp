@@ -43,8 +43,8 @@ TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
         ASSERT_TRUE(machine.WaitState(3));
         EXPECT_EQ(machine.owner.States(), c.states);
         EXPECT_EQ(machine.bluez.DiscoveryStarts(), c.scans);
-        EXPECT_EQ(sensor.ConnectCalls(), c.connects);
-        EXPECT_EQ(sensor.DisconnectCalls(), c.disconnects);
+        EXPECT_EQ(sensor.Calls("Connect"), c.connects);
+        EXPECT_EQ(sensor.Calls("Disconnect"), c.disconnects);
         EXPECT_TRUE(sensor.Notifying());
         EXPECT_TRUE(machine.Answers());
     }
@@ -53,7 +53,7 @@ TEST(BluezMachineState, SensorIsLinkedWhateverBluetoothdHoldsAlready) {
 TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     BluezRig machine;
     FakeDeviceConfig config = SensorDevice();
-    config.pairing = orv::test::FakePairing::Passkey;
+    config.pairs = true;
     FakeDevice& sensor = machine.bluez.AddDevice(config);
     FakeDevice& headset =
         machine.bluez.AddDevice({.address = "C0:DE:5E:45:00:99", .name = "headset", .known = true});
@@ -90,7 +90,7 @@ TEST(BluezMachineState, AgentAnswersOnlyTheSensorBeingConnected) {
     EXPECT_EQ(CountOf(log.Text(), ")] wclBthPinRequest Pin: 7316\n"), 1u);
 
     // Once its link is gone, the sensor is no longer answered either.
-    sensor.SetInRange(false);
+    sensor.Config().sensor->DropLink();
     ASSERT_TRUE(machine.WaitStates({1, 2, 3, 0, 1}));
     EXPECT_EQ(machine.bluez.AskAgent(sensor, "RequestPasskey").error, rejected);
 }

@@ -10,31 +10,23 @@
 #include "tests/ble/fake_bluez/fake_bluez.h"
 #include "tests/ble/fake_bluez/private_system_bus.h"
 
-struct BluezRig {
+struct BluezDaemon {
     orv::test::PrivateSystemBus bus;  // outlives every client of the bus
     orv::test::FakeBluez bluez;
-    RecordingOwner owner;
-    std::unique_ptr<BtfrGattWrapper> wrapper;
+};
 
+// The daemon goes after the wrapper, a base constructed before it.
+struct BluezRig : BluezDaemon, WrapperRig {
     explicit BluezRig(bool adapter = true) {
         if (adapter) {
             bluez.AddAdapter();
         }
     }
-    ~BluezRig() { StopWrapper(); }
-    void StopWrapper() {
-        if (wrapper) {
-            wrapper->Stop();
-        }
-    }
 
     static BluezTiming Timing(std::chrono::milliseconds connect = std::chrono::seconds(3),
                               std::chrono::milliseconds resolve = std::chrono::seconds(2)) {
-        BluezTiming timing;
-        timing.connect = connect;
-        timing.resolve = resolve;
-        timing.adapterWait = std::chrono::milliseconds(100);
-        return timing;
+        return {
+            .connect = connect, .resolve = resolve, .adapterWait = std::chrono::milliseconds(100)};
     }
     bool Start(const BluezTiming& timing = Timing()) {
         if (!bus.ok() || !bluez.Start()) {
@@ -48,17 +40,6 @@ struct BluezRig {
         wrapper =
             MakeSensorWrapper(MakeBluezStack(timing), owner, {milliseconds(50), milliseconds(200)});
         wrapper->Start();
-    }
-    bool WaitState(int32_t state) {
-        return orv::test::Eventually([&] { return wrapper->GetState() == state; });
-    }
-    bool WaitStates(const std::vector<int32_t>& states) {
-        return orv::test::Eventually([&] { return owner.States() == states; });
-    }
-    // The sensor answers the firmware request over the link.
-    bool Answers() {
-        return wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3) &&
-               orv::test::Eventually([&] { return owner.Received(kFirmwareAnswer); });
     }
 };
 

@@ -16,6 +16,7 @@ using orv::test::Eventually;
 using orv::test::FakeDevice;
 using orv::test::FakeDeviceConfig;
 using States = std::vector<int32_t>;
+using Lines = std::vector<std::pair<std::string, size_t>>;  // and how often each shows
 
 TEST(BluezWrapper, ScansConnectsSubscribesWritesAndReceives) {
     BluezRig rig;
@@ -29,18 +30,16 @@ TEST(BluezWrapper, ScansConnectsSubscribesWritesAndReceives) {
     ASSERT_TRUE(rig.Start());
     ASSERT_TRUE(rig.WaitState(3));
     EXPECT_EQ(rig.owner.States(), (States{1, 2, 3}));
-    EXPECT_EQ(rig.bluez.LastDiscoveryFilter(), "Transport=le");
-    EXPECT_EQ(device.StartNotifyCalls(), 1);
+    EXPECT_EQ(rig.bluez.LastDiscoveryFilter(), "le");
+    EXPECT_EQ(device.Calls("StartNotify"), 1);
     const auto agent = rig.bluez.Agent();
     EXPECT_EQ(agent.path, "/org/orvane/agent");
     EXPECT_EQ(agent.capability, "KeyboardDisplay");
     EXPECT_TRUE(agent.isDefault);
 
     ASSERT_TRUE(rig.Answers());
-    ASSERT_EQ(device.Writes().size(), 1u);
-    EXPECT_EQ(device.Writes()[0].value, kFirmwareRequest);
-    EXPECT_EQ(device.Writes()[0].type, "command");
-    EXPECT_EQ(device.Writes()[0].uuid, kSensorWriteUuid);
+    const orv::test::FakeWrite written{kFirmwareRequest, "command", kSensorWriteUuid};
+    EXPECT_EQ(device.Writes(), std::vector{written});
 
     // Repeated values arrive once per notification.
     const std::vector<uint8_t> signal = {0x0F, 0x02, 0x00, 0x01, 0x0C};
@@ -50,33 +49,49 @@ TEST(BluezWrapper, ScansConnectsSubscribesWritesAndReceives) {
         const auto data = rig.owner.Data();
         return std::count(data.begin(), data.end(), signal) == 2;
     }));
+    // Only the subscribed characteristic carries the sensor's data: not one
+    // never subscribed to, nor an object the client does not know.
+    const std::vector<uint8_t> stray = {0xBA, 0xD0};
+    device.EmitValue(device.CharacteristicPath(kSensorWriteUuid), stray);
+    device.EmitValue(device.Path() + "/service00ff/char0100", stray);
+    device.EmitValue(device.CharacteristicPath(kSensorNotifyUuid), {0xC0, 0xDE});
+    ASSERT_TRUE(Eventually([&] { return rig.owner.Received({0xC0, 0xDE}); }));
+    EXPECT_FALSE(rig.owner.Received(stray));
     EXPECT_EQ(CountOf(log.Text(), ")] wclBthDeviceFound() name:my-orvane, address:c0de5e450001\n"),
               1u);
     EXPECT_EQ(CountOf(log.Text(), ")] Connecting device:c0de5e450001\n"), 1u);
 }
 
-// Link troubles after the sensor was reached: the owner hears 0, the wrapper
-// scans again and the sensor answers on the new link.
+// Link troubles after the sensor was reached: the owner hears 0 with the
+// reason, the wrapper scans again and the sensor answers on the new link.
 TEST(BluezWrapper, LinkTroubleIsReportedAndLivedThrough) {
+    const std::string write = ")] Call disconnect(WriteCharacteristicValue)\n";
+    const std::string disconnect = ")] Disconnect()\n";
+    const std::string reason = ")] wclGattClientDisconnect reson:0005100";
     struct Case {
         const char* name;
         bool outOfRange;  // else a write fails
-        int stopNotifies;
-        int disconnects;
+        int calls;        // StopNotify and Disconnect each
+        Lines lines;
     };
-    for (const Case& c : {Case{"out of range", true, 0, 0}, Case{"failed write", false, 1, 1}}) {
+    const Case cases[] = {
+        {"out of range", true, 0, {{write, 0}, {disconnect, 0}, {reason + "b\n", 1}}},
+        {"failed write", false, 1, {{write, 1}, {disconnect, 1}, {reason + "c\n", 1}}},
+    };
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         BluezRig rig;
         FakeDevice& device = rig.bluez.AddDevice(SensorDevice());
         ASSERT_TRUE(rig.Start());
         ASSERT_TRUE(rig.WaitState(3));
+        LogCapture log;
         if (c.outOfRange) {
             device.Config().sensor->DropLink();
             ASSERT_TRUE(rig.WaitStates({1, 2, 3, 0, 1}));
             // Rescanned while away, without a connect attempt.
             const int scans = rig.bluez.DiscoveryStarts();
             ASSERT_TRUE(Eventually([&] { return rig.bluez.DiscoveryStarts() >= scans + 2; }));
-            EXPECT_EQ(device.ConnectCalls(), 1);
+            EXPECT_EQ(device.Calls("Connect"), 1);
             device.Config().sensor->ComeBack();
         } else {
             device.FailWrites(true);
@@ -89,8 +104,11 @@ TEST(BluezWrapper, LinkTroubleIsReportedAndLivedThrough) {
             states.erase(std::unique(states.begin(), states.end()), states.end());
             return states == States{1, 2, 3, 0, 1, 2, 3};
         })) << ::testing::PrintToString(rig.owner.States());
-        EXPECT_EQ(device.StopNotifyCalls(), c.stopNotifies);
-        EXPECT_EQ(device.DisconnectCalls(), c.disconnects);
+        EXPECT_EQ(device.Calls("StopNotify"), c.calls);
+        EXPECT_EQ(device.Calls("Disconnect"), c.calls);
+        for (const auto& [line, count] : c.lines) {
+            EXPECT_EQ(CountOf(log.Text(), line), count) << line;
+        }
         EXPECT_TRUE(rig.Answers());
     }
 }
@@ -101,29 +119,32 @@ TEST(BluezWrapper, UnusableDeviceIsRetried) {
     struct Case {
         const char* name;
         bool resolves;
+        bool sensorService;
         States cycle;
         std::string line;
     };
     const Case cases[] = {
-        {"services never resolved", false, {1, 2}, ")] wclGattClientConnect ret:00051007\n"},
-        {"nothing to subscribe to", true, {1, 2, 0}, ")] Disconnect()\n"},
+        {"services never resolved", false, true, {1, 2}, ")] wclGattClientConnect ret:00051007\n"},
+        {"no sensor service", true, false, {1, 2, 0}, ")] GetService return false\n"},
+        {"nothing to subscribe to", true, true, {1, 2, 0}, ")] Disconnect()\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         BluezRig rig;
         FakeDeviceConfig config = SensorDevice();
         config.resolveServices = c.resolves;
-        config.services.back().characteristics.back().flags = {"read"};
+        config.sensorService = c.sensorService;
+        config.notifies = false;
         FakeDevice& device = rig.bluez.AddDevice(config);
         LogCapture log;
         ASSERT_TRUE(rig.Start(BluezRig::Timing(3s, 150ms)));
-        ASSERT_TRUE(Eventually([&] { return device.ConnectCalls() >= 2; }));
+        ASSERT_TRUE(Eventually([&] { return device.Calls("Connect") >= 2; }));
         const States states = rig.owner.States();
         for (size_t i = 0; i < states.size(); ++i) {
             ASSERT_EQ(states[i], c.cycle[i % c.cycle.size()]) << ::testing::PrintToString(states);
         }
-        EXPECT_GE(device.DisconnectCalls(), 1);
-        EXPECT_EQ(device.StartNotifyCalls(), 0);
+        EXPECT_GE(device.Calls("Disconnect"), 1);
+        EXPECT_EQ(device.Calls("StartNotify"), 0);
         EXPECT_GE(CountOf(log.Text(), c.line), 1u);
     }
 }
@@ -134,7 +155,7 @@ TEST(BluezWrapper, MissingOrSwitchedOffAdapterIsWaitedOut) {
     for (const bool present : {false, true}) {
         BluezRig rig(false);
         if (present) {
-            rig.bluez.AddAdapter("hci0", false);
+            rig.bluez.AddAdapter(false);
             rig.bluez.AddDevice(SensorDevice());
         }
         LogCapture log;
@@ -145,7 +166,7 @@ TEST(BluezWrapper, MissingOrSwitchedOffAdapterIsWaitedOut) {
         EXPECT_EQ(rig.bluez.DiscoveryStarts(), 0);
         if (present) {
             EXPECT_EQ(CountOf(log.Text(), ")] Every Bluetooth adapter is switched off\n"), 1u);
-            rig.bluez.SetPowered("hci0", true);
+            rig.bluez.PowerOn();
             EXPECT_TRUE(rig.WaitState(3));
         } else {
             EXPECT_EQ(rig.owner.States(), (States{1}));
@@ -181,6 +202,8 @@ TEST(BluezWrapper, SystemBusMissingOrDyingIsWaitedOut) {
     rig.bluez.Stop();
 }
 
+// Stopping while notifications keep coming: once, for good, and a stopped
+// wrapper starts again from 0.
 TEST(BluezWrapper, StopTwiceLeavesNothingBehind) {
     BluezRig rig;
     FakeDevice& device = rig.bluez.AddDevice(SensorDevice());
@@ -188,17 +211,20 @@ TEST(BluezWrapper, StopTwiceLeavesNothingBehind) {
     ASSERT_TRUE(rig.WaitState(3));
     device.Config().sensor->Flood({0x0F, 0x02, 0x00, 0x01, 0x0C}, 500, 200);
     ASSERT_TRUE(Eventually([&] { return rig.owner.Data().size() > 5; }));
+    LogCapture log;
     rig.StopWrapper();
     const size_t calls = rig.owner.CallCount();
     rig.StopWrapper();
+    EXPECT_EQ(CountOf(log.Text(), ")] End\n"), 1u);
     EXPECT_EQ(rig.wrapper->GetState(), 0);
     EXPECT_FALSE(device.Connected());
-    EXPECT_EQ(device.StopNotifyCalls(), 1);
-    // Our connection is gone: bluetoothd forgets its agent and sessions.
+    EXPECT_EQ(device.Calls("StopNotify"), 1);
+    // Our connection is gone: bluetoothd forgets its agent.
     EXPECT_TRUE(Eventually([&] { return rig.bluez.Agent().owner.empty(); }));
-    EXPECT_FALSE(rig.bluez.Discovering());
     std::this_thread::sleep_for(30ms);  // room for a stray callback to show up
     EXPECT_EQ(rig.owner.CallCount(), calls);
+    rig.wrapper->Start();
+    EXPECT_TRUE(rig.WaitState(3));
 }
 
 }  // namespace

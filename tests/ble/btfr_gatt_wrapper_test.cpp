@@ -28,45 +28,15 @@ VirtualPeripheral Peripheral(uint64_t address, const std::string& name) {
     return peripheral;
 }
 
-VirtualStackFaults Fault(int VirtualStackFaults::*field, int count) {
-    VirtualStackFaults faults;
-    faults.*field = count;
-    return faults;
-}
-
-std::string Repeat(const std::string& text, int times) {
-    std::string out;
-    for (int i = 0; i < times; ++i) {
-        out += text;
-    }
-    return out;
-}
-
-class WrapperTest : public ::testing::Test {
+class WrapperTest : public ::testing::Test, protected WrapperRig {
 protected:
     void Build(const std::vector<VirtualPeripheral>& peripherals, VirtualStackFaults faults = {}) {
-        if (wrapper_) {
-            wrapper_->Stop();
-        }
-        owner_.Clear();
-        VirtualStackTiming timing;
-        timing.connect = 5ms;
-        timing.foundGap = 1ms;
-        auto stack = MakeVirtualStack(peripherals, timing);
+        StopWrapper();
+        owner.Clear();
+        auto stack = MakeVirtualStack(peripherals, {.connect = 5ms, .foundGap = 1ms});
         stack->SetFaults(faults);
         stack_ = stack.get();
-        wrapper_ = MakeSensorWrapper(std::move(stack), owner_, {20ms, 40ms});
-    }
-    void TearDown() override {
-        if (wrapper_) {
-            wrapper_->Stop();
-        }
-    }
-    bool WaitState(int32_t state) {
-        return Eventually([&] { return wrapper_->GetState() == state; });
-    }
-    bool WaitStates(const States& expected) {
-        return Eventually([&] { return owner_.States() == expected; });
+        wrapper = MakeSensorWrapper(std::move(stack), owner, {20ms, 40ms});
     }
     // Lets `count` supervision ticks pass.
     void WaitTicks(int count) {
@@ -74,9 +44,7 @@ protected:
         ASSERT_TRUE(Eventually([&] { return stack_->OpenPolls() >= start + count; }));
     }
 
-    RecordingOwner owner_;  // outlives the wrapper
     VirtualStack* stack_ = nullptr;
-    std::unique_ptr<BtfrGattWrapper> wrapper_;
 };
 
 // From Start to a subscribed link: which device is taken, what the owner
@@ -90,7 +58,10 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
     list.insert(list.begin(), {GattUuid::FromShort(0x2A05), false, false, true});
     const auto demo = std::vector{Peripheral(kFirst, "orvane-demo")};
     // 261 two-byte characters: the filter keeps 260 characters, not bytes.
-    const std::string e = "\xC3\xA9";
+    std::string e260;
+    for (int i = 0; i < 260; ++i) {
+        e260 += "\xC3\xA9";
+    }
     const std::string err = " error:00051008\n";
     struct Case {
         const char* name;
@@ -115,25 +86,25 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
          {Peripheral(0x0101, "my-orvane-7"), Peripheral(0x0202, "Orvane-X"),
           Peripheral(0x0303, "ORVANE"), classic},
          {}, "", {1, 2, 3}, {0x0101}, 1, {{")] Connecting device:000000000101\n", 1}}},
-        {"long filter", {Peripheral(0x0101, Repeat(e, 260)), Peripheral(0x0202, Repeat(e, 259) + "-")},
-         {}, Repeat(e, 260) + "!", {1, 2, 3}, {0x0101}, 1, {}},
+        {"long filter", {Peripheral(0x0101, e260), Peripheral(0x0202, e260.substr(2) + "-")},
+         {}, e260 + "!", {1, 2, 3}, {0x0101}, 1, {}},
         {"last found first, the other without a new scan",
          {Peripheral(kFirst, "orvane-1"), Peripheral(kSecond, "orvane-2")},
-         Fault(&VirtualStackFaults::failConnectEvents, 1), "", {1, 2, 2, 3}, {kSecond, kFirst}, 1,
+         {.failConnectEvents = 1}, "", {1, 2, 2, 3}, {kSecond, kFirst}, 1,
          {{")] wclGattClientConnect ret:00000000\n", 1}}},
-        {"discovery refused twice", demo, Fault(&VirtualStackFaults::failDiscoveryStarts, 2), "",
+        {"discovery refused twice", demo, {.failDiscoveryStarts = 2}, "",
          {1, 1, 1, 2, 3}, {kFirst}, 1, {{")] Error starting discovering: 00051008\n", 2}}},
-        {"connect call refused", demo, Fault(&VirtualStackFaults::failConnectCalls, 1), "",
+        {"connect call refused", demo, {.failConnectCalls = 1}, "",
          {1, 2, 1, 2, 3}, {kFirst, kFirst}, 2,
          {{")] Connect error:00051008\n", 1}, {")] wclGattClientConnect ret:00000000\n", 1}}},
-        {"4 descriptor failures", demo, Fault(&VirtualStackFaults::failClientConfigurations, 4), "",
+        {"4 descriptor failures", demo, {.failClientConfigurations = 4}, "",
          {1, 2, 3}, {kFirst}, 1, {{")] WriteClientConfiguration fail." + err, 4}}},
-        {"5 descriptor failures", demo, Fault(&VirtualStackFaults::failClientConfigurations, 5), "",
+        {"5 descriptor failures", demo, {.failClientConfigurations = 5}, "",
          {1, 2, 0, 1, 2, 3}, {kFirst, kFirst}, 2,
          {{")] WriteClientConfiguration fail." + err, 5}, {"[BtfrGattWrapper::GetDescriptor(", 5}}},
-        {"4 subscribe failures", demo, Fault(&VirtualStackFaults::failSubscribes, 4), "",
+        {"4 subscribe failures", demo, {.failSubscribes = 4}, "",
          {1, 2, 3}, {kFirst}, 1, {{")] Subscribe fail." + err, 4}}},
-        {"5 subscribe failures", demo, Fault(&VirtualStackFaults::failSubscribes, 5), "",
+        {"5 subscribe failures", demo, {.failSubscribes = 5}, "",
          {1, 2, 0, 1, 2, 3}, {kFirst, kFirst}, 2,
          {{")] Subscribe fail." + err, 5}, {"[BtfrGattWrapper::GetDescriptor(", 5}}},
     };
@@ -142,13 +113,13 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
         SCOPED_TRACE(c.name);
         Build(c.peripherals, c.faults);
         if (!c.filter.empty()) {
-            wrapper_->SetDeviceNameFilter(c.filter);
+            wrapper->SetDeviceNameFilter(c.filter);
         }
         LogCapture log;
-        wrapper_->Start();
+        wrapper->Start();
         ASSERT_TRUE(WaitState(3));
         WaitTicks(2);
-        EXPECT_EQ(owner_.States(), c.states);
+        EXPECT_EQ(owner.States(), c.states);
         EXPECT_EQ(stack_->ConnectAttempts(), c.connects);
         EXPECT_EQ(stack_->DiscoveryCount(), c.scans);
         for (const auto& [line, count] : c.lines) {
@@ -156,121 +127,47 @@ TEST_F(WrapperTest, ReachesTheSensorThroughFaults) {
             EXPECT_TRUE(count == 0 ? seen > 0 : seen == count) << line << " seen " << seen;
         }
         // The subscription carries the sensor's answers.
-        ASSERT_TRUE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
-        EXPECT_TRUE(Eventually([&] { return owner_.Received(kFirmwareAnswer); }));
-    }
-}
-
-// Devices the wrapper can never use are dropped each time, with the reason.
-TEST_F(WrapperTest, UnusableDeviceIsDroppedEachTime) {
-    VirtualPeripheral noService = Peripheral(kFirst, "orvane-bare");
-    noService.services.pop_back();
-    VirtualPeripheral noNotify = Peripheral(kFirst, "orvane-mute");
-    noNotify.services.back().characteristics.back().notify = false;
-    for (const auto& [peripheral, line] : {std::pair{noService, ")] GetService return false\n"},
-                                           std::pair{noNotify, "[BtfrGattWrapper::Disconnect("}}) {
-        SCOPED_TRACE(peripheral.name);
-        Build({peripheral});
-        LogCapture log;
-        wrapper_->Start();
-        ASSERT_TRUE(Eventually([&] { return owner_.States().size() >= 6; }));
-        const States states = owner_.States();
-        for (size_t i = 0; i < states.size(); ++i) {
-            ASSERT_EQ(states[i], (States{1, 2, 0}[i % 3])) << ::testing::PrintToString(states);
-        }
-        EXPECT_GE(CountOf(log.Text(), line), 2u);
-        EXPECT_GE(stack_->DisconnectCount(), 2);
+        EXPECT_TRUE(Answers());
     }
 }
 
 // Without a usable radio the state stays scanning and the log says so once.
 TEST_F(WrapperTest, WithoutUsableRadioStateStaysScanning) {
     for (const int radios : {0, 1}) {
-        VirtualStackFaults faults;
-        faults.radioCount = radios;
-        faults.radioUsable = false;
-        Build({Peripheral(kFirst, "orvane-demo")}, faults);
+        Build({Peripheral(kFirst, "orvane-demo")}, {.radioCount = radios, .radioUsable = false});
         LogCapture log;
-        wrapper_->Start();
+        wrapper->Start();
         ASSERT_TRUE(WaitState(1));
         WaitTicks(5);
-        EXPECT_EQ(owner_.States(), (States{1})) << radios;
+        EXPECT_EQ(owner.States(), (States{1})) << radios;
         EXPECT_EQ(stack_->DiscoveryCount(), 0);
         EXPECT_EQ(CountOf(log.Text(), "!!! ERROR"), 1u);
         EXPECT_EQ(CountOf(log.Text(), ")] No one Bluetooth Radio found.\n"), 1u);
     }
 }
 
-TEST_F(WrapperTest, LinkLossAndFailedWriteReportZeroAndReconnect) {
-    Build({Peripheral(kFirst, "orvane-demo")});
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    stack_->DropLink();
-    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1, 2, 3}));
-    EXPECT_EQ(stack_->DiscoveryCount(), 2);
-
-    VirtualStackFaults faults;
-    faults.failWrites = 1;
-    stack_->SetFaults(faults);
-    LogCapture log;
-    EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
-    ASSERT_TRUE(WaitStates({1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3}));
-    EXPECT_EQ(stack_->UnsubscribeCount(), 1);
-    const std::string text = log.Text();
-    EXPECT_EQ(CountOf(text, ")] Call disconnect(WriteCharacteristicValue)\n"), 1u);
-    EXPECT_EQ(CountOf(text, ")] Disconnect()\n"), 1u);
-    EXPECT_EQ(CountOf(text, ")] wclGattClientDisconnect reson:0005100c\n"), 1u);
-}
-
 TEST_F(WrapperTest, WriteWhileNotConnectedFailsWithoutDisconnecting) {
     Build({});
-    wrapper_->SetTiming({std::chrono::seconds(10), 20ms});  // idle after the first scan
+    wrapper->SetTiming({std::chrono::seconds(10), 20ms});  // idle after the first scan
     LogCapture log;
-    wrapper_->Start();
+    wrapper->Start();
     ASSERT_TRUE(
-        Eventually([&] { return stack_->DiscoveryCount() == 1 && wrapper_->GetState() == 0; }));
-    EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
-    wrapper_->Stop();
-    EXPECT_FALSE(wrapper_->WriteCharacteristic(kFirmwareRequest.data(), 3));
+        Eventually([&] { return stack_->DiscoveryCount() == 1 && wrapper->GetState() == 0; }));
+    EXPECT_FALSE(wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3));
+    wrapper->Stop();
+    EXPECT_FALSE(wrapper->WriteCharacteristic(kFirmwareRequest.data(), 3));
     EXPECT_EQ(CountOf(log.Text(), ")] Call disconnect(WriteCharacteristicValue)\n"), 1u);
     EXPECT_EQ(CountOf(log.Text(), ")] Disconnect()\n"), 0u);
 }
 
-TEST_F(WrapperTest, StopTwiceAndNoCallbackAfterStop) {
-    VirtualPeripheral peripheral = Peripheral(kFirst, "orvane-demo");
-    auto sensor = peripheral.sensor;
-    Build({peripheral});
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-    // Notifications keep coming while the wrapper stops.
-    sensor->Flood(kFirmwareAnswer, 2000, 400);
-    ASSERT_TRUE(Eventually([&] { return owner_.Data().size() > 10; }));
-    {
-        LogCapture log;
-        wrapper_->Stop();
-        const size_t calls = owner_.CallCount();
-        wrapper_->Stop();
-        EXPECT_EQ(CountOf(log.Text(), ")] End\n"), 1u);
-        EXPECT_EQ(wrapper_->GetState(), 0);
-        const uint64_t sent = sensor->NotificationsSent();
-        std::this_thread::sleep_for(30ms);  // room for a stray callback to show up
-        EXPECT_EQ(owner_.CallCount(), calls);
-        EXPECT_EQ(sensor->NotificationsSent(), sent);
-    }
-    // A stopped wrapper starts again from 0.
-    wrapper_->Start();
-    ASSERT_TRUE(WaitState(3));
-}
-
 TEST(DemoStack, OffersOneAnsweringSensorNamedOrvaneDemo) {
-    RecordingOwner owner;
-    auto wrapper = MakeSensorWrapper(MakeDemoStack(), owner, {20ms, 40ms});
-    wrapper->Start();
-    ASSERT_TRUE(Eventually([&] { return wrapper->GetState() == 3; }));
+    WrapperRig rig;
+    rig.wrapper = MakeSensorWrapper(MakeDemoStack(), rig.owner, {20ms, 40ms});
+    rig.wrapper->Start();
+    ASSERT_TRUE(rig.WaitState(3));
     const std::vector<uint8_t> clubRequest = {0x0C, 0x00, 0x0C};
-    ASSERT_TRUE(wrapper->WriteCharacteristic(clubRequest.data(), 3));
-    EXPECT_TRUE(Eventually([&] { return owner.Received({0x01, 0x01, 0x01, 0x01}); }));
-    wrapper->Stop();
+    ASSERT_TRUE(rig.wrapper->WriteCharacteristic(clubRequest.data(), 3));
+    EXPECT_TRUE(Eventually([&] { return rig.owner.Received({0x01, 0x01, 0x01, 0x01}); }));
 }
 
 }  // namespace

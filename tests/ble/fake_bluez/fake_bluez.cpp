@@ -1,7 +1,5 @@
 #include "tests/ble/fake_bluez/fake_bluez.h"
 
-#include <cstdio>
-
 #include "ble/bluez/bluez_names.h"
 
 namespace orv::test {
@@ -10,9 +8,11 @@ namespace {
 
 using bluez::kAdapterInterface;
 using bluez::kAgentManagerInterface;
+using sdbus::Variant;
 
+const std::string kAdapterPath = std::string(bluez::kBluezPath) + "/hci0";
 constexpr auto kFirstAdvert = std::chrono::milliseconds(10);
-// How often devices in range are seen again while a discovery runs.
+// How often devices in range are heard while a discovery runs.
 constexpr auto kAdvertInterval = std::chrono::milliseconds(50);
 constexpr const char* kNameOwnerChanged =
     "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
@@ -22,7 +22,7 @@ constexpr const char* kNameOwnerChanged =
 
 FakeBluez::~FakeBluez() {
     Stop();
-    bus_.StopWorker();
+    bus_.worker.Stop();
     devices_.clear();
 }
 
@@ -44,10 +44,8 @@ void FakeBluez::StartOnWorker(bool& started) {
         root_->addObjectManager();
         root_->finishRegistration();
         bus_.root = root_.get();
-        RegisterAgentManager();
-        for (auto& adapter : adapters_) {
-            RegisterAdapter(*adapter);
-        }
+        ExportAgentManager();
+        ExportAdapter();
         for (auto& device : devices_) {
             if (device->Config().connectedAtStart) {
                 device->LinkAtStart();
@@ -55,20 +53,12 @@ void FakeBluez::StartOnWorker(bool& started) {
                 device->Export();
             }
         }
-        for (auto& adapter : adapters_) {
-            if (!adapter->clients.empty()) {
-                Advertise(*adapter, adapter->scan, 0);  // heard before we came
-            }
-        }
+        Advertise(scan_);  // what the other scanner heard before we came
         nameWatch_ = connection_->addMatch(kNameOwnerChanged, [this](sdbus::Message& message) {
             std::string name;
             std::string oldOwner;
             std::string newOwner;
-            try {
-                message >> name >> oldOwner >> newOwner;
-            } catch (const sdbus::Error&) {
-                return;
-            }
+            message >> name >> oldOwner >> newOwner;
             if (newOwner.empty()) {
                 OnClientGone(name);
             }
@@ -85,8 +75,6 @@ void FakeBluez::StartOnWorker(bool& started) {
         StopOnWorker();
         return;
     }
-    std::lock_guard lock(bus_.mutex);
-    running_ = true;
     started = true;
 }
 
@@ -98,7 +86,7 @@ void FakeBluez::StopOnWorker() {
     if (!connection_) {
         return;
     }
-    bus_.CancelWork();
+    bus_.worker.CancelAll();
     if (loop_.joinable()) {
         connection_->leaveEventLoop();
         loop_.join();  // no handler runs from here on
@@ -107,154 +95,88 @@ void FakeBluez::StopOnWorker() {
     for (auto& device : devices_) {
         device->Unexport();
     }
-    {
-        std::lock_guard lock(bus_.mutex);
-        for (auto& adapter : adapters_) {
-            adapter->clients.clear();
-            ++adapter->scan;
-        }
-        bus_.agent = {};
-        running_ = false;
-    }
-    for (auto& adapter : adapters_) {
-        adapter->object.reset();
+    if (adapter_) {
+        adapter_->Unexport();
     }
     agentManager_.reset();
+    {
+        std::lock_guard lock(bus_.mutex);
+        clients_.clear();
+        ++scan_;
+        bus_.agent = {};
+    }
     root_.reset();
     bus_.root = nullptr;
     bus_.connection = nullptr;
     connection_.reset();  // the bus announces that org.bluez has no owner
 }
 
-void FakeBluez::AddAdapter(const std::string& name, bool powered) {
-    bus_.RunOnWorker([&] {
-        auto adapter = std::make_unique<Adapter>();
-        adapter->name = name;
-        adapter->path = std::string(bluez::kBluezPath) + "/" + name;
-        char address[18];
-        std::snprintf(address, sizeof address, "00:1A:7D:DA:71:%02X",
-                      static_cast<unsigned>(adapters_.size()));
-        adapter->address = address;
-        adapter->powered = powered;
-        std::lock_guard lock(bus_.mutex);
-        adapters_.push_back(std::move(adapter));
-    });
+void FakeBluez::AddAdapter(bool powered) {
+    adapter_ = std::make_unique<FakeObject>(bus_, kAdapterPath, kAdapterInterface,
+                                            VariantMap{{"Powered", Variant(powered)}});
 }
 
-FakeDevice& FakeBluez::AddDevice(const FakeDeviceConfig& config, const std::string& adapter) {
-    FakeDevice* added = nullptr;
-    bus_.RunOnWorker([&] {
-        auto device = std::make_unique<FakeDevice>(bus_, config,
-                                                   std::string(bluez::kBluezPath) + "/" + adapter);
-        if (connection_ && config.known) {
-            device->Export();
-        }
-        added = device.get();
-        std::lock_guard lock(bus_.mutex);
-        devices_.push_back(std::move(device));
-    });
-    return *added;
+FakeDevice& FakeBluez::AddDevice(const FakeDeviceConfig& config) {
+    std::lock_guard lock(bus_.mutex);
+    devices_.push_back(std::make_unique<FakeDevice>(bus_, config, kAdapterPath));
+    return *devices_.back();
 }
 
-FakeBluez::Adapter* FakeBluez::FindAdapter(const std::string& name) {
-    for (auto& adapter : adapters_) {
-        if (adapter->name == name) {
-            return adapter.get();
-        }
+void FakeBluez::AddOtherScanner() {
+    std::lock_guard lock(bus_.mutex);
+    clients_.insert(":other.scanner");
+}
+
+void FakeBluez::PowerOn() {
+    bus_.RunOnWorker([this] { adapter_->Set({{"Powered", Variant(true)}}); });
+}
+
+void FakeBluez::ExportAdapter() {
+    if (!adapter_) {
+        return;
     }
-    return nullptr;
+    adapter_->Export(
+        [this](sdbus::IObject& o) {
+            o.registerMethod("StartDiscovery").onInterface(kAdapterInterface).implementedAs([this] {
+                StartDiscovery();
+            });
+            o.registerMethod("StopDiscovery")
+                .onInterface(kAdapterInterface)
+                .implementedAs(
+                    [this](sdbus::Result<>&& result) { StopDiscovery(std::move(result)); });
+            o.registerMethod("SetDiscoveryFilter")
+                .onInterface(kAdapterInterface)
+                .implementedAs([this](VariantMap filter) {
+                    std::lock_guard lock(bus_.mutex);
+                    lastFilter_ =
+                        filter.count("Transport") ? filter["Transport"].get<std::string>() : "";
+                });
+        },
+        false);
 }
 
-void FakeBluez::SetPowered(const std::string& name, bool powered) {
-    bus_.RunOnWorker([&] {
-        Adapter* adapter = FindAdapter(name);
-        if (adapter == nullptr) {
-            return;
-        }
-        bool wasDiscovering = false;
-        {
-            std::lock_guard lock(bus_.mutex);
-            adapter->powered = powered;
-            wasDiscovering = !powered && !adapter->clients.empty();
-        }
-        if (!adapter->object) {
-            return;
-        }
-        FakeBus::EmitPropertiesChanged(*adapter->object, kAdapterInterface,
-                                       {{"Powered", sdbus::Variant(powered)}});
-        if (wasDiscovering) {
-            EndDiscovery(*adapter);
-        }
-    });
-}
-
-void FakeBluez::RegisterAdapter(Adapter& adapter) {
-    adapter.object = sdbus::createObject(*connection_, adapter.path);
-    sdbus::IObject& o = *adapter.object;
-    o.registerMethod("StartDiscovery")
-        .onInterface(kAdapterInterface)
-        .implementedAs([this, &adapter] { StartDiscovery(adapter); });
-    o.registerMethod("StopDiscovery")
-        .onInterface(kAdapterInterface)
-        .implementedAs([this, &adapter](sdbus::Result<>&& result) {
-            StopDiscovery(adapter, std::move(result));
-        });
-    o.registerMethod("SetDiscoveryFilter")
-        .onInterface(kAdapterInterface)
-        .implementedAs([this](VariantMap filter) { SetDiscoveryFilter(filter); });
-    o.registerProperty("Address").onInterface(kAdapterInterface).withGetter([&adapter] {
-        return adapter.address;
-    });
-    o.registerProperty("Name").onInterface(kAdapterInterface).withGetter([&adapter] {
-        return adapter.name;
-    });
-    o.registerProperty("Alias").onInterface(kAdapterInterface).withGetter([&adapter] {
-        return adapter.name;
-    });
-    o.registerProperty("Powered").onInterface(kAdapterInterface).withGetter([this, &adapter] {
-        std::lock_guard lock(bus_.mutex);
-        return adapter.powered;
-    });
-    o.registerProperty("Discovering").onInterface(kAdapterInterface).withGetter([this, &adapter] {
-        std::lock_guard lock(bus_.mutex);
-        return !adapter.clients.empty();
-    });
-    o.finishRegistration();
-}
-
-void FakeBluez::RegisterAgentManager() {
-    agentManager_ = sdbus::createObject(*connection_, bluez::kBluezPath);
-    sdbus::IObject& o = *agentManager_;
-    o.registerMethod("RegisterAgent")
-        .onInterface(kAgentManagerInterface)
-        .implementedAs([this](sdbus::ObjectPath path, std::string capability) {
-            const std::string sender = Sender(*agentManager_);
-            std::lock_guard lock(bus_.mutex);
-            if (bus_.agent.owner == sender) {
-                throw sdbus::Error("org.bluez.Error.AlreadyExists", "Already Exists");
-            }
-            bus_.agent = {sender, path, capability, false};
-        });
-    // Only the client that registered the agent may use it.
-    auto registered = [this](const sdbus::ObjectPath& path) -> FakeBus::Agent& {
-        if (bus_.agent.owner != Sender(*agentManager_) || bus_.agent.path != path) {
-            throw sdbus::Error("org.bluez.Error.DoesNotExist", "Does Not Exist");
-        }
-        return bus_.agent;
-    };
-    o.registerMethod("RequestDefaultAgent")
-        .onInterface(kAgentManagerInterface)
-        .implementedAs([this, registered](sdbus::ObjectPath path) {
-            std::lock_guard lock(bus_.mutex);
-            registered(path).isDefault = true;
-        });
-    o.registerMethod("UnregisterAgent")
-        .onInterface(kAgentManagerInterface)
-        .implementedAs([this, registered](sdbus::ObjectPath path) {
-            std::lock_guard lock(bus_.mutex);
-            registered(path) = {};
-        });
-    o.finishRegistration();
+// One agent, the last registered, the default when its path is asked for;
+// it goes with its client.
+void FakeBluez::ExportAgentManager() {
+    agentManager_ =
+        std::make_unique<FakeObject>(bus_, bluez::kBluezPath, kAgentManagerInterface, VariantMap{});
+    agentManager_->Export(
+        [this](sdbus::IObject& o) {
+            o.registerMethod("RegisterAgent")
+                .onInterface(kAgentManagerInterface)
+                .implementedAs([this, &o](sdbus::ObjectPath path, std::string capability) {
+                    const std::string sender = Sender(o);
+                    std::lock_guard lock(bus_.mutex);
+                    bus_.agent = {sender, path, capability, false};
+                });
+            o.registerMethod("RequestDefaultAgent")
+                .onInterface(kAgentManagerInterface)
+                .implementedAs([this](sdbus::ObjectPath path) {
+                    std::lock_guard lock(bus_.mutex);
+                    bus_.agent.isDefault = bus_.agent.path == path;
+                });
+        },
+        false);
 }
 
 std::string FakeBluez::Sender(sdbus::IObject& object) const {
@@ -262,160 +184,93 @@ std::string FakeBluez::Sender(sdbus::IObject& object) const {
     return message != nullptr ? message->getSender() : std::string();
 }
 
-void FakeBluez::SetDiscoveryFilter(const VariantMap& filter) {
-    // The keys set, with the transport's value.
-    std::string description;
-    for (const auto& [key, value] : filter) {
-        const bool transport = key == "Transport" && value.containsValueOfType<std::string>();
-        description += (description.empty() ? "" : ",") + key;
-        description += transport ? "=" + value.get<std::string>() : "";
-    }
-    std::lock_guard lock(bus_.mutex);
-    lastFilter_ = description;
-}
-
 // A discovery session belongs to the client that started it.
-void FakeBluez::StartDiscovery(Adapter& adapter) {
-    const std::string sender = Sender(*adapter.object);
+void FakeBluez::StartDiscovery() {
+    const std::string sender = Sender(adapter_->Object());
     uint64_t scan = 0;
-    bool first = false;
     {
         std::lock_guard lock(bus_.mutex);
-        if (!adapter.powered) {
+        if (!adapter_->Get<bool>("Powered")) {
             throw sdbus::Error("org.bluez.Error.NotReady", "Resource Not Ready");
         }
-        if (adapter.clients.count(sender) != 0) {
+        if (!clients_.insert(sender).second) {
             throw sdbus::Error("org.bluez.Error.InProgress", "Operation already in progress");
         }
-        first = adapter.clients.empty();
-        adapter.clients.insert(sender);
         ++discoveryStarts_;
-        scan = ++adapter.scan;
+        scan = ++scan_;
     }
-    if (first) {
-        FakeBus::EmitPropertiesChanged(*adapter.object, kAdapterInterface,
-                                       {{"Discovering", sdbus::Variant(true)}});
-    }
-    bus_.PostAfter(kFirstAdvert, [this, &adapter, scan] { Advertise(adapter, scan, 0); });
+    bus_.worker.PostAfter(kFirstAdvert, [this, scan] { Advertise(scan); });
 }
 
-void FakeBluez::Advertise(Adapter& adapter, uint64_t scan, int round) {
-    std::vector<FakeDevice*> inRange;
+// Devices in range are heard until the discovery ends; a connected
+// peripheral stops advertising.
+void FakeBluez::Advertise(uint64_t scan) {
     {
         std::lock_guard lock(bus_.mutex);
-        if (adapter.scan != scan || adapter.clients.empty()) {
+        if (scan_ != scan || clients_.empty()) {
             return;
         }
     }
-    // A connected peripheral stops advertising.
     for (auto& device : devices_) {
-        if (device->Path().rfind(adapter.path + "/", 0) == 0 && device->InRange() &&
-            !device->Connected()) {
-            inRange.push_back(device.get());
+        if (device->InRange() && !device->Connected()) {
+            device->Announce();
         }
     }
-    // RSSI moves a little with every advertisement, so that each one shows.
-    for (FakeDevice* device : inRange) {
-        device->Announce(static_cast<int16_t>(-50 - round % 7));
-    }
-    bus_.PostAfter(kAdvertInterval,
-                   [this, &adapter, scan, round] { Advertise(adapter, scan, round + 1); });
+    bus_.worker.PostAfter(kAdvertInterval, [this, scan] { Advertise(scan); });
 }
 
 // The reply comes after the end of the discovery is announced.
-void FakeBluez::StopDiscovery(Adapter& adapter, sdbus::Result<>&& result) {
-    const std::string sender = Sender(*adapter.object);
+void FakeBluez::StopDiscovery(sdbus::Result<>&& result) {
+    const std::string sender = Sender(adapter_->Object());
     bool last = false;
     {
         std::lock_guard lock(bus_.mutex);
-        if (adapter.clients.erase(sender) == 0) {
+        if (clients_.erase(sender) == 0) {
             result.returnError(sdbus::Error("org.bluez.Error.Failed", "No discovery started"));
             return;
         }
-        last = adapter.clients.empty();
+        last = clients_.empty();
     }
     auto reply = std::make_shared<sdbus::Result<>>(std::move(result));
-    bus_.Post([this, &adapter, last, reply] {
+    bus_.worker.Post([this, last, reply] {
         if (last) {
-            EndDiscovery(adapter);
+            EndDiscovery();
         }
         reply->returnResults();
     });
 }
 
-// Worker thread, in line with the advertisements.
-void FakeBluez::EndDiscovery(Adapter& adapter) {
+// Worker thread, in line with the advertisements. RSSI disappears from
+// devices that are not connected.
+void FakeBluez::EndDiscovery() {
     {
         std::lock_guard lock(bus_.mutex);
-        adapter.clients.clear();
-        ++adapter.scan;
+        clients_.clear();
+        ++scan_;
     }
-    FakeBus::EmitPropertiesChanged(*adapter.object, kAdapterInterface,
-                                   {{"Discovering", sdbus::Variant(false)}});
-    // RSSI disappears from devices that are not connected.
     for (auto& device : devices_) {
-        if (device->Path().rfind(adapter.path + "/", 0) == 0) {
-            device->ForgetRssi();
-        }
+        device->ForgetRssi();
     }
 }
 
 void FakeBluez::OnClientGone(const std::string& name) {
-    std::vector<Adapter*> ended;
+    bool ended = false;
     {
         std::lock_guard lock(bus_.mutex);
-        for (auto& adapter : adapters_) {
-            if (adapter->clients.erase(name) != 0 && adapter->clients.empty()) {
-                ended.push_back(adapter.get());
-            }
-        }
+        ended = clients_.erase(name) != 0 && clients_.empty();
         if (bus_.agent.owner == name) {
             bus_.agent = {};
         }
     }
-    for (Adapter* adapter : ended) {
-        bus_.Post([this, adapter] { EndDiscovery(*adapter); });
+    if (ended) {
+        bus_.worker.Post([this] { EndDiscovery(); });
     }
-}
-
-int FakeBluez::DiscoveryStarts() const {
-    std::lock_guard lock(bus_.mutex);
-    return discoveryStarts_;
-}
-
-bool FakeBluez::Discovering() const {
-    std::lock_guard lock(bus_.mutex);
-    for (const auto& adapter : adapters_) {
-        if (!adapter->clients.empty()) {
-            return true;
-        }
-    }
-    return false;
-}
-
-std::string FakeBluez::LastDiscoveryFilter() const {
-    std::lock_guard lock(bus_.mutex);
-    return lastFilter_;
-}
-
-FakeBus::Agent FakeBluez::Agent() const {
-    std::lock_guard lock(bus_.mutex);
-    return bus_.agent;
 }
 
 FakeBus::AgentAnswer FakeBluez::AskAgent(const FakeDevice& device, const std::string& method) {
     FakeBus::AgentAnswer answer;
     bus_.RunOnWorker([&] { answer = bus_.AskAgent(method, device.Path()); });
     return answer;
-}
-
-void FakeBluez::AddOtherScanner(const std::string& adapter) {
-    bus_.RunOnWorker([&] {
-        std::lock_guard lock(bus_.mutex);
-        if (Adapter* found = FindAdapter(adapter)) {
-            found->clients.insert(":other.scanner");
-        }
-    });
 }
 
 }  // namespace orv::test

@@ -15,32 +15,17 @@ constexpr uint32_t kComparisonNumber = 123456;
 }  // namespace
 
 void FakeBus::RunOnWorker(const std::function<void()>& task) {
-    if (worker_.OnQueueThread()) {
+    if (worker.OnQueueThread()) {
         task();
         return;
     }
     std::promise<void> done;
-    if (worker_.Post([&] {
+    if (worker.Post([&] {
             task();
             done.set_value();
         }) != 0) {
         done.get_future().wait();
     }
-}
-
-void FakeBus::EmitPropertiesChanged(sdbus::IObject& object, const std::string& interface,
-                                    const VariantMap& changed,
-                                    const std::vector<std::string>& invalidated) {
-    auto signal = object.createSignal(bluez::kPropertiesInterface, "PropertiesChanged");
-    signal << interface << changed << invalidated;
-    object.emitSignal(signal);
-}
-
-void FakeBus::EmitInterfacesAdded(const std::string& path,
-                                  const std::map<std::string, VariantMap>& interfaces) {
-    auto signal = root->createSignal(bluez::kObjectManagerInterface, "InterfacesAdded");
-    signal << sdbus::ObjectPath(path) << interfaces;
-    root->emitSignal(signal);
 }
 
 FakeBus::AgentAnswer FakeBus::AskAgent(const std::string& method, const std::string& devicePath) {
@@ -79,6 +64,98 @@ FakeBus::AgentAnswer FakeBus::AskAgent(const std::string& method, const std::str
         answer.error = error.getName();
     }
     return answer;
+}
+
+void EmitPropertiesChanged(sdbus::IConnection& connection, const std::string& path,
+                           const std::string& interface, const VariantMap& changed,
+                           const std::vector<std::string>& invalidated) {
+    auto sender = sdbus::createObject(connection, path);  // registers nothing
+    auto signal = sender->createSignal(bluez::kPropertiesInterface, "PropertiesChanged");
+    signal << interface << changed << invalidated;
+    sender->emitSignal(signal);
+}
+
+void FakeObject::Export(const std::function<void(sdbus::IObject&)>& methods, bool announce) {
+    if (object_) {
+        return;
+    }
+    object_ = sdbus::createObject(*bus_.connection, path_);
+    VariantMap initial;
+    {
+        std::lock_guard lock(bus_.mutex);
+        initial = properties_;
+        exported_ = true;
+    }
+    for (const auto& [name, value] : initial) {
+        auto current = [this, name = name, last = value] {
+            std::lock_guard lock(bus_.mutex);
+            const sdbus::Variant* found = Find(name);
+            return found != nullptr ? *found : last;
+        };
+        auto property = object_->registerProperty(name);  // registered when it goes
+        property.onInterface(interface_);
+        const std::string type = value.peekValueType();
+        if (type == "b") {
+            property.withGetter([current] { return current().get<bool>(); });
+        } else if (type == "o") {
+            property.withGetter([current] { return current().get<sdbus::ObjectPath>(); });
+        } else if (type == "as") {
+            property.withGetter([current] { return current().get<std::vector<std::string>>(); });
+        } else if (type == "n") {
+            property.withGetter([current] { return current().get<int16_t>(); });
+        } else {
+            property.withGetter([current] { return current().get<std::string>(); });
+        }
+    }
+    if (methods) {
+        methods(*object_);
+    }
+    object_->finishRegistration();
+    if (announce) {
+        auto signal = bus_.root->createSignal(bluez::kObjectManagerInterface, "InterfacesAdded");
+        signal << sdbus::ObjectPath(path_)
+               << std::map<std::string, VariantMap>{{interface_, initial}};
+        bus_.root->emitSignal(signal);
+    }
+}
+
+void FakeObject::Unexport() {
+    {
+        std::lock_guard lock(bus_.mutex);
+        exported_ = false;
+    }
+    object_.reset();
+}
+
+const sdbus::Variant* FakeObject::Find(const std::string& name) const {
+    const auto found = properties_.find(name);
+    return found != properties_.end() ? &found->second : nullptr;
+}
+
+void FakeObject::Set(const VariantMap& changed) {
+    bool exported = false;
+    {
+        std::lock_guard lock(bus_.mutex);
+        for (const auto& [name, value] : changed) {
+            properties_[name] = value;
+        }
+        exported = exported_;
+    }
+    if (exported) {
+        EmitPropertiesChanged(*bus_.connection, path_, interface_, changed);
+    }
+}
+
+void FakeObject::Erase(const std::string& name) {
+    bool exported = false;
+    {
+        std::lock_guard lock(bus_.mutex);
+        const bool erased = properties_.erase(name) != 0;
+        exported = exported_ && erased;
+    }
+    if (exported) {
+        EmitPropertiesChanged(*bus_.connection, path_, interface_, {}, {name});
+    }
 }
 
 }  // namespace orv::test

@@ -1,13 +1,14 @@
 #include "tests/ble/fake_bluez/private_system_bus.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 namespace orv::test {
@@ -15,7 +16,6 @@ namespace orv::test {
 namespace {
 
 constexpr const char* kAddressVariable = "DBUS_SYSTEM_BUS_ADDRESS";
-constexpr int kStartTimeoutMs = 20000;
 
 // No <servicedir>: nothing is ever activated. Every message and name is allowed.
 std::string Configuration(const std::string& socket) {
@@ -41,45 +41,37 @@ std::string Configuration(const std::string& socket) {
 PrivateSystemBus::PrivateSystemBus() {
     const std::string config = (dir_.path() / "system.conf").string();
     std::ofstream(config) << Configuration((dir_.path() / "system_bus_socket").string());
-
     int fds[2];
     if (pipe(fds) != 0) {
         return;
     }
     // Built before fork: the child of a threaded process may not allocate.
     const std::string configArg = "--config-file=" + config;
-    const std::string printArg = "--print-address=" + std::to_string(fds[1]);
     const std::string log = (dir_.path() / "dbus-daemon.log").string();
     pid_ = fork();
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);  // never outlives a crashed test
-        close(fds[0]);
+        dup2(fds[1], STDOUT_FILENO);
         // Its complaints (no fd limit raise without privileges) stay in its folder.
         const int logFd = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (logFd >= 0) {
             dup2(logFd, STDERR_FILENO);
-            close(logFd);
         }
-        execlp("dbus-daemon", "dbus-daemon", configArg.c_str(), printArg.c_str(), "--nofork",
+        execlp("dbus-daemon", "dbus-daemon", configArg.c_str(), "--print-address", "--nofork",
                "--nopidfile", static_cast<char*>(nullptr));
         _exit(127);
     }
     close(fds[1]);
-    std::string address;
-    pollfd waiter{fds[0], POLLIN, 0};
-    while (pid_ > 0 && poll(&waiter, 1, kStartTimeoutMs) > 0) {
-        char c;
-        if (read(fds[0], &c, 1) != 1 || c == '\n') {
-            break;
-        }
-        address.push_back(c);
-    }
-    close(fds[0]);
-    if (address.empty()) {
+    // Printed once it listens; the pipe ends if it cannot start.
+    FILE* printed = fdopen(fds[0], "r");
+    char line[512] = "";
+    const bool started = pid_ > 0 && fgets(line, sizeof line, printed) != nullptr;
+    fclose(printed);
+    if (!started) {
         Kill();
         return;
     }
-    address_ = address;
+    address_ = std::string(line, std::strcspn(line, "\n"));
     if (const char* previous = std::getenv(kAddressVariable)) {
         previousAddress_ = previous;
     }
