@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "common/debug_log.h"
 #include "common/user_depends_data.h"
@@ -24,9 +23,6 @@ protected:
     static void Reset() {
         gUserDependsData.swingLevel = 1;
         gUserDependsData.clubType = 1;
-        for (double& k : gUserDependsData.clubSpeedFactor) {
-            k = 1.0;
-        }
         gUserDependsData.launchAngleScale = 1.0;
         gUserDependsData.sideSpinScale = 1.0;
     }
@@ -121,21 +117,14 @@ TEST_F(BallFlight, SideSpinDampingAndDifficulty) {
 TEST_F(BallFlight, BackSpinLoftStages) {
     const __club_value_table_st iron7 = OrvGetClubValueTable(8);
     const double base = 76.0 / iron7.refHeadSpeed * iron7.refBackSpin;
-    const struct {
-        double loft, factor;
-    } stages[] = {
-        {1.0, 0.949999988079071},
-        {1.04, 0.949999988079071},
-        {1.0499999523162842, 0.699999988079071},
-        {0.97, 0.8999999761581421},
-        {0.949999988079071, 0.8999999761581421},
-        {0.92, 0.8500000238418579},
-        {0.87, 0.800000011920929},
-        {0.5, 0.699999988079071},
-    };
-    for (const auto& stage : stages) {
-        EXPECT_EQ(OrvGetBackSpin(iron7, 76.0, 0.0, stage.loft), base * stage.factor * stage.loft)
-            << stage.loft;
+    // Loft ratio -> factor, at and around the stage bounds (floats widened).
+    const std::pair<double, double> stages[] = {
+        {1.04, 0.949999988079071},  {1.0499999523162842, 0.699999988079071},
+        {0.97, 0.8999999761581421}, {0.949999988079071, 0.8999999761581421},
+        {0.92, 0.8500000238418579}, {0.87, 0.800000011920929},
+        {0.5, 0.699999988079071}};
+    for (const auto& [loft, factor] : stages) {
+        EXPECT_EQ(OrvGetBackSpin(iron7, 76.0, 0.0, loft), base * factor * loft) << loft;
     }
     // Woods, driver, putter and 4 hybrid have no loft stage.
     EXPECT_EQ(OrvGetBackSpin(OrvGetClubValueTable(1), 94.0, 0.0, 0.5), 2600.0);

@@ -51,16 +51,10 @@ TEST(TruSimMessages, ShotRecordsWithThreeDecimalsAndTheTab) {
 }
 
 TEST(TruSimMessages, ClubTypeNamesWedgeRenamesAndUnknownCodes) {
+    // The lookup takes the low byte, the wedges' rename the full value.
     const std::pair<int, const char*> rows[] = {
-        {1, "Driver"},
-        {16, "3Iron"},
-        {15, "Putter"},
-        {11, "PWedge"},
-        {12, "GWedge"},
-        {13, "SWedge"},
-        {14, "LWedge"},
-        {256 + 11, "PitchingWedge"},  // the lookup takes the low byte, the rename the full value
-    };
+        {1, "Driver"},  {16, "3Iron"},  {15, "Putter"}, {11, "PWedge"},
+        {12, "GWedge"}, {13, "SWedge"}, {14, "LWedge"}, {256 + 11, "PitchingWedge"}};
     for (const auto& [club, name] : rows) {
         EXPECT_EQ(E6_GetClubTypeJson(club),
                   std::string("{\"Type\":\"SetClubType\",\"ClubType\":\"") + name + "\"}");
@@ -73,18 +67,26 @@ TEST(TruSimMessages, ClubTypeNamesWedgeRenamesAndUnknownCodes) {
     EXPECT_EQ(orv::test::CountOf(log.Text(), "Unknown club: 0\n"), 1u);
 }
 
-TEST(TruSimMessages, ClubRing) {
-    const int ring[] = {1, 2, 3, 16, 5, 6, 7, 8, 9, 10, 11, 13, 14, 15};
-    for (int i = 0; i < 14; ++i) {
-        EXPECT_EQ(E6_GetClubWithAddedCount(ring[i], 1), ring[(i + 1) % 14]) << ring[i];
-        EXPECT_EQ(E6_GetClubWithAddedCount(ring[i], -1), ring[(i + 13) % 14]) << ring[i];
-        EXPECT_EQ(E6_GetClubWithAddedCount(ring[i], -28), ring[i]);
+TEST(TruSimMessages, ClubRingSkipsTheSensorOnlyClubsAndWraps) {
+    // {club, steps, club after}: the ring runs 1 2 3 16 5 .. 11 13 14 15.
+    const int rows[][3] = {{1, 1, 2},
+                           {3, 1, 16},
+                           {16, 1, 5},
+                           {11, 1, 13},
+                           {15, 1, 1},
+                           {1, -1, 15},
+                           {5, -1, 16},
+                           {13, -1, 11},
+                           {7, -28, 7},
+                           {1, 4, 5},
+                           // Codes outside the ring count from its head.
+                           {12, 1, 2},
+                           {4, 0, 1},
+                           {17, -2, 14},
+                           {1, 2147483647, 2}};
+    for (const auto& [club, steps, after] : rows) {
+        EXPECT_EQ(E6_GetClubWithAddedCount(club, steps), after) << club << " " << steps;
     }
-    // Codes outside the ring count from its head.
-    EXPECT_EQ(E6_GetClubWithAddedCount(12, 1), 2);
-    EXPECT_EQ(E6_GetClubWithAddedCount(4, 0), 1);
-    EXPECT_EQ(E6_GetClubWithAddedCount(17, -2), 14);
-    EXPECT_EQ(E6_GetClubWithAddedCount(1, 2147483647), 2);  // 2147483647 % 14 == 1
 }
 
 }  // namespace
