@@ -112,16 +112,26 @@ TEST_F(SessionE2E, SwingBecomesTheFourShotMessagesWithTheModelsTexts) {
     EXPECT_TRUE(Eventually([&] { return recording.Count("show") == 1; }));
 }
 
-TEST_F(SessionE2E, ShortSwingIsDroppedExceptWithThePutter) {
+TEST_F(SessionE2E, AbortedAndShortSwingsGiveNoShotExceptWithThePutter) {
     StartManager();
     ASSERT_TRUE(WaitReady());
+
+    // Abandoned on the back swing: the clip ends at once, and the back-swing
+    // time-out, ended with it, never stops the clip a second time.
+    LogCapture log;
+    sensor->TriggerAbortedSwing();
+    ASSERT_TRUE(Eventually([&] { return recording.Count("stop:0") == 1; }));
+    EXPECT_EQ(CountOf(log.Text(), "] Abort step: 3\n"), 1u);
+    EXPECT_FALSE(Eventually([&] { return CountOf(log.Text(), "Back swing timeout.\n") > 0; }, 1s));
+    EXPECT_EQ(recording.Count("stop:0"), 1);
 
     sensor->TriggerSwing(DriverSwing(4.9));
     sensor->TriggerSwing(DriverSwing(150.0));
     ASSERT_TRUE(emulator->WaitForShots(1, 10s));
-    // Exactly one shot, and it is the long one: the short swing never became a shot.
+    // Exactly one shot, and it is the long one: the others never became shots.
     EXPECT_TRUE(Eventually([&] { return ui.Count("shot") == 1; }));
     EXPECT_EQ(emulator->Shots().size(), 1u);
+    EXPECT_EQ(recording.Count("stop:2"), 1);
     ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetArmState() == 0; }));
 
     emulator->SetClub("Putter");
@@ -165,8 +175,8 @@ TEST_F(SessionE2E, SilentNewSensorIsDroppedAfterTheFreshLinkLimit) {
     EXPECT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 10s));
 }
 
-TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPing) {
-    config.timing.pingInterval = 200ms;
+TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPingButWaitsBehindQueuedCommands) {
+    config.timing.pingInterval = 300ms;
     StartManager();
     ASSERT_TRUE(WaitReady());
     ASSERT_TRUE(Eventually([&] { return !WrittenWithCode(ORV_COMMAND_TIME_SYNC_REQ).empty(); }));
@@ -179,7 +189,20 @@ TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPing) {
     EXPECT_EQ(time[5], 1);
     EXPECT_EQ(WrittenWithCode(ORV_COMMAND_BATTERY_REQ)[0], (Bytes{0x1D, 0x00, 0x1D}));
     EXPECT_TRUE(Eventually([&] { return !ReceivedOfType("Ping").empty(); }));
-    EXPECT_TRUE(Eventually([&] { return ui.Saw("battery:" + std::to_string(sensor->Battery())); }));
+    const std::string battery = "battery:" + std::to_string(sensor->Battery());
+    ASSERT_TRUE(Eventually([&] { return ui.Saw(battery); }));
+
+    // Right after a pass's battery answer its commands are all written; one
+    // queued now without waking the send thread keeps the queue busy, and
+    // the passes that follow ping the simulator but ask the sensor nothing.
+    const int answered = ui.Count(battery);
+    ASSERT_TRUE(Eventually([&] { return ui.Count(battery) > answered; }));
+    sensor->ClearWrittenFrames();
+    OrvCmdModel waiting(ORV_COMMAND_ECHO);
+    manager->PushSendQ(waiting);
+    const size_t pings = ReceivedOfType("Ping").size();
+    ASSERT_TRUE(Eventually([&] { return ReceivedOfType("Ping").size() >= pings + 3; }));
+    EXPECT_TRUE(sensor->WrittenFrames().empty());
 }
 
 TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {

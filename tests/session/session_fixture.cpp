@@ -38,26 +38,9 @@ int EntriesIn(const char* folder) {
     return count;
 }
 
-Orvane::SessionTiming FastSessionTiming() {
-    Orvane::SessionTiming timing;
-    timing.connCheckInterval = 50ms;
-    timing.freshLinkLimit = 300ms;
-    timing.aliveLinkLimit = 1000ms;
-    timing.pingInterval = 60000ms;  // tests that want pings shorten it themselves
-    timing.lrSigDebounce = 100ms;
-    timing.backSwingWait = 50ms;
-    return timing;
-}
-
 SwingValues DriverSwing(double distance) {
-    SwingValues swing;
-    swing.headSpeed = 94.5;
-    swing.clubPath = -2.3;
-    swing.faceAngle = 1.4;
-    swing.tempo = 3.1;
-    swing.distance = distance;
-    swing.sensorSpeed = 30.0;
-    return swing;
+    // Head speed, path, face, tempo, distance, sensor speed.
+    return SwingValues{94.5, -2.3, 1.4, 3.1, distance, 30.0};
 }
 
 void SessionTest::SetUp() {
@@ -79,7 +62,12 @@ void SessionTest::SetUp() {
     };
     config.simulatorAddress = "127.0.0.1";
     config.simulatorPort = port;
-    config.timing = FastSessionTiming();
+    config.timing.connCheckInterval = 50ms;
+    config.timing.freshLinkLimit = 300ms;
+    config.timing.aliveLinkLimit = 1000ms;
+    config.timing.pingInterval = 60000ms;  // tests that want pings shorten it themselves
+    config.timing.lrSigDebounce = 100ms;
+    config.timing.backSwingWait = 50ms;
     config.gattTiming.tick = 50ms;
     config.gattTiming.discovery = 100ms;
     config.e6Timing.reconnectPause = 100ms;

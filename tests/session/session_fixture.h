@@ -62,8 +62,6 @@ public:
 // Entries of a folder such as /proc/self/task or /proc/self/fd.
 int EntriesIn(const char* folder);
 
-Orvane::SessionTiming FastSessionTiming();
-
 class SessionTest : public ::testing::Test {
 protected:
     void SetUp() override;
