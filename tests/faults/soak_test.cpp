@@ -61,8 +61,8 @@ protected:
 };
 
 TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
-    const int threadsBefore = EntriesIn("/proc/self/task");
-    const int fdsBefore = EntriesIn("/proc/self/fd");
+    const int threadsBefore = ThreadCount();
+    const int fdsBefore = OpenFdCount();
     const auto started = std::chrono::steady_clock::now();
 
     CountingUi counting;
@@ -95,9 +95,9 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
     manager.reset();
     // Counted with the sensor and the simulator still up, as before the start.
     ASSERT_TRUE(emulator->WaitForClientGone(5s));
-    Eventually([&] { return EntriesIn("/proc/self/task") <= threadsBefore; }, 2s);
-    const int threadsAfter = EntriesIn("/proc/self/task");
-    const int fdsAfter = EntriesIn("/proc/self/fd");
+    Eventually([&] { return ThreadCount() <= threadsBefore; }, 2s);
+    const int threadsAfter = ThreadCount();
+    const int fdsAfter = OpenFdCount();
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     std::printf(

@@ -206,7 +206,7 @@ TEST_F(SessionE2E, PingPassSendsTimeSyncBatteryAndSimulatorPingButWaitsBehindQue
 }
 
 TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {
-    const int before = EntriesIn("/proc/self/task");
+    const int before = ThreadCount();
     StartManager();
     ASSERT_TRUE(WaitReady());
     OrvCmdBatteryStateReqModel battery;
@@ -218,7 +218,7 @@ TEST_F(SessionE2E, StopJoinsEveryThreadAndTheSessionRestarts) {
     EXPECT_EQ(manager->GetGatt(), nullptr);
     EXPECT_EQ(manager->GetE6(), nullptr);
     // Timer and helper threads of the test's own sensor and simulator stay.
-    const int stopped = EntriesIn("/proc/self/task");
+    const int stopped = ThreadCount();
     EXPECT_LE(stopped, before + 4) << "before " << before << ", after " << stopped;
 
     ui.Clear();

@@ -1,7 +1,5 @@
 #include "tests/session/session_fixture.h"
 
-#include <dirent.h>
-
 #include <algorithm>
 
 #include "ble/virtual/virtual_stack.h"
@@ -25,17 +23,6 @@ int EventList::Count(const std::string& event) const {
 void EventList::Clear() {
     std::lock_guard<std::mutex> lock(mutex_);
     events_.clear();
-}
-
-int EntriesIn(const char* folder) {
-    int count = 0;
-    if (DIR* dir = opendir(folder)) {
-        while (dirent* entry = readdir(dir)) {
-            count += entry->d_name[0] != '.';
-        }
-        closedir(dir);
-    }
-    return count;
 }
 
 SwingValues DriverSwing(double distance) {

@@ -59,9 +59,6 @@ public:
     std::string CurrentClip() override { return "/clips/MyRecord3.mp4"; }
 };
 
-// Entries of a folder such as /proc/self/task or /proc/self/fd.
-int EntriesIn(const char* folder);
-
 class SessionTest : public ::testing::Test {
 protected:
     void SetUp() override;
