@@ -71,11 +71,8 @@ void SessionTest::TearDown() {
 }
 
 void SessionTest::StartEmulator() {
-    orv::TruSimEmulatorOptions options;
-    options.bindAddress = "127.0.0.1";
-    options.port = port;
-    options.rearmDelay = emulatorRearmDelay;
-    emulator = std::make_unique<orv::TruSimEmulator>(options);
+    emulator = std::make_unique<orv::TruSimEmulator>(
+        orv::TruSimEmulatorOptions{"127.0.0.1", port, emulatorRearmDelay});
     ASSERT_TRUE(emulator->Start());
     port = emulator->Port();
 }

@@ -49,10 +49,7 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
 }
 
 TEST(StrictSimulator, RefusesEveryInexactTextAndNeverRecordsAShotFromIt) {
-    orv::TruSimEmulatorOptions options;
-    options.bindAddress = "127.0.0.1";
-    options.port = 0;
-    orv::TruSimEmulator emulator(options);
+    orv::TruSimEmulator emulator({"127.0.0.1", 0});
     ASSERT_TRUE(emulator.Start());
     emulator.SetAnswerHandshake(false);
     E6TruSimClient client;
