@@ -101,36 +101,25 @@ TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFi
     EXPECT_NE(ReadFileText(ini).find("SwingLevel=0"), std::string::npos);
 }
 
-// A fake bluetoothd on a private system bus, whose one device carries the
-// test's virtual sensor.
 class BluetoothdFaults : public FaultSession {
 protected:
-    bool StartBluez() {
-        if (!bus.ok()) {
-            return false;
-        }
-        bluez.AddAdapter();
-        FakeDeviceConfig device;
-        device.address = "C0:DE:5E:45:00:01";
-        device.name = "orvane-demo";
-        device.sensor = sensor;
-        bluez.AddDevice(device);
-        config.makeBleStack = [] {
-            BluezTiming timing;
-            timing.adapterWait = 100ms;
-            return MakeBluezStack(timing);
-        };
-        return bluez.Start();
-    }
-
     PrivateSystemBus bus;  // outlives every client of the bus
     FakeBluez bluez;
 };
 
-// The whole program over the BlueZ backend, first as it is, then through a
-// restart of bluetoothd.
+// The whole program over the BlueZ backend (a fake bluetoothd on a private
+// system bus, whose one device carries the virtual sensor), first as it is,
+// then through a restart of bluetoothd.
 TEST_F(BluetoothdFaults, OneShotOverBluezThenARestartIsLivedThrough) {
-    ASSERT_TRUE(StartBluez());
+    ASSERT_TRUE(bus.ok());
+    bluez.AddAdapter();
+    bluez.AddDevice({.address = "C0:DE:5E:45:00:01", .name = "orvane-demo", .sensor = sensor});
+    config.makeBleStack = [] {
+        BluezTiming timing;
+        timing.adapterWait = 100ms;
+        return MakeBluezStack(timing);
+    };
+    ASSERT_TRUE(bluez.Start());
     LogCapture log;
     StartManager();
     ASSERT_TRUE(SwingBecomesOneShot());
