@@ -181,7 +181,7 @@ const Fault kFaults[] = {
 };
 #undef FAULT
 INSTANTIATE_TEST_SUITE_P(Session, Faults, ::testing::ValuesIn(kFaults),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace orv::test

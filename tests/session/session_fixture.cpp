@@ -1,29 +1,10 @@
 #include "tests/session/session_fixture.h"
 
-#include <algorithm>
-
 #include "ble/virtual/virtual_stack.h"
 
 namespace orv::test {
 
 using namespace std::chrono_literals;
-
-void EventList::Add(std::string event) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    events_.push_back(std::move(event));
-}
-std::vector<std::string> EventList::Events() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return events_;
-}
-int EventList::Count(const std::string& event) const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return static_cast<int>(std::count(events_.begin(), events_.end(), event));
-}
-void EventList::Clear() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    events_.clear();
-}
 
 SwingValues DriverSwing(double distance) {
     // Head speed, path, face, tempo, distance, sensor speed.

@@ -101,7 +101,7 @@ TEST(ClientHandlers, PlayerDataOnTheCallingThreadAndDisconnectForgetsTheSessionV
         R"("BallPosition":{"x":1.5,"y":"2","z":-3}}})"));
     // Synchronous: recorded before HandleRecvMsg returned, on this thread.
     EXPECT_EQ(listener.Of("player:"), Events{"player:Ann,7,,0,4.5,0.25,0"});
-    EXPECT_EQ(listener.PlayerThread(), std::this_thread::get_id());
+    EXPECT_EQ(listener.playerThread.load(), std::this_thread::get_id());
     EXPECT_EQ(client.GetDistanceToPin(), 123.5);
     EXPECT_EQ(client.GetBallPosition().x, 1.5);
     EXPECT_EQ(client.GetBallPosition().y, 0.0);  // not a number: ignored

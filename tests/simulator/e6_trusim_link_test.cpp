@@ -51,8 +51,8 @@ protected:
     // Authenticated and the greeting (player data, environment data, Arm) taken in.
     bool Greeted(size_t times = 1) {
         return Eventually([&] {
-            return listener.Count("auth:") >= times && listener.Count("arm:") >= times &&
-                   listener.Count("player:") >= times && client.GetArmState() == 0;
+            return listener.Started("auth:") >= times && listener.Started("arm:") >= times &&
+                   listener.Started("player:") >= times && client.GetArmState() == 0;
         });
     }
 
@@ -71,7 +71,7 @@ TEST_F(TruSimLink, AuthenticatesByChallengeAndTakesTheGreeting) {
     EXPECT_TRUE(emulator->IsClientAuthenticated());
     EXPECT_TRUE(client.IsAuthenticated());
     EXPECT_EQ(client.GetCurrentClub(), 1u);
-    ASSERT_TRUE(Eventually([&] { return listener.Count("environment:") == 1; }));
+    ASSERT_TRUE(Eventually([&] { return listener.Started("environment:") == 1; }));
     std::vector<std::string> heard = listener.Of();
     std::sort(heard.begin(), heard.end());  // notifications may overtake each other
     EXPECT_EQ(heard,
@@ -97,8 +97,8 @@ TEST_F(TruSimLink, EndClosesTheLinkAndASecondLaterAHandshakeFollows) {
     ASSERT_TRUE(emulator->WaitForMessages(1, 5s));
     EXPECT_EQ(emulator->Received()[0], kHandshake);
     ASSERT_TRUE(Greeted(2));
-    EXPECT_EQ(listener.Count("connect"), 2u);
-    EXPECT_EQ(listener.Count("disconnect"), 1u);
+    EXPECT_EQ(listener.Count("connect"), 2);
+    EXPECT_EQ(listener.Count("disconnect"), 1);
 }
 
 TEST_F(TruSimLink, StopWhileConnectedNotifiesTwiceAndNothingAfterwards) {
@@ -106,10 +106,10 @@ TEST_F(TruSimLink, StopWhileConnectedNotifiesTwiceAndNothingAfterwards) {
     auto stopped = std::make_unique<E6TruSimClient>();
     stopped->SetCallback(owner.get());
     stopped->Init("127.0.0.1", emulator->Port());
-    ASSERT_TRUE(Eventually([&] { return owner->Count("arm:") == 1; }));
+    ASSERT_TRUE(Eventually([&] { return owner->Started("arm:") == 1; }));
     stopped->Stop();
     // Once by Stop, once more by the receive that the closing socket ends.
-    EXPECT_EQ(owner->Count("disconnect"), 2u);
+    EXPECT_EQ(owner->Count("disconnect"), 2);
     EXPECT_FALSE(stopped->IsConnected());
     EXPECT_FALSE(stopped->IsSocketOpen());
     owner.reset();  // the listener may go right after Stop
@@ -152,7 +152,7 @@ TEST_F(TruSimLink, StalledListenerHoldsBackReceptionInsteadOfPilingUpThreads) {
     std::this_thread::sleep_for(100ms);
     EXPECT_EQ(gated.peak.load(), limit);
     gated.opener.set_value();
-    EXPECT_TRUE(Eventually([&] { return gated.Count("arm:") == 201; }));
+    EXPECT_TRUE(Eventually([&] { return gated.Started("arm:") == 201; }));
     EXPECT_EQ(held.GetArmState(), 1);
     held.Stop();
 }
@@ -168,11 +168,11 @@ TEST_F(TruSimLink, EnvironmentDataArrivingFasterThanASecondIsPassedOnOnce) {
         ASSERT_TRUE(emulator->SendEnvironmentData());
     }
     ASSERT_TRUE(Eventually([&] { return client.GetDistanceToPin() == 114.0; }));
-    EXPECT_EQ(listener.Count("environment:"), 1u);
+    EXPECT_EQ(listener.Started("environment:"), 1u);
     std::this_thread::sleep_for(1200ms);
     emulator->SetDistanceToPin(42.5);
     ASSERT_TRUE(emulator->SendEnvironmentData());
-    ASSERT_TRUE(Eventually([&] { return listener.Count("environment:") == 2; }));
+    ASSERT_TRUE(Eventually([&] { return listener.Started("environment:") == 2; }));
     EXPECT_EQ(listener.Of("environment:"),
               (std::vector<std::string>{"environment:100,Fairway", "environment:42.5,Fairway"}));
 }

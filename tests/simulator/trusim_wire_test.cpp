@@ -139,7 +139,7 @@ TEST(UnansweredSimulator, ConnectStillUnderWayDoesNotHoldUpStop) {
     std::this_thread::sleep_for(300ms);
     // Still connecting: the socket exists, the link does not.
     EXPECT_TRUE(client.IsSocketOpen());
-    EXPECT_EQ(listener.Count("connect"), 0u);
+    EXPECT_EQ(listener.Count("connect"), 0);
     const auto before = std::chrono::steady_clock::now();
     client.Stop();
     // Well inside the 3 s a connect may take.
