@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 #include <sstream>
 #include <string>
@@ -82,26 +83,19 @@ TEST_F(Settings, LoadReadsClampsAndDefaults) {
     EXPECT_EQ(settings.GetIniPath(), ini);
 }
 
-TEST_F(Settings, SettersKeepValuesInRange) {
-    OrvSettings settings(dir.path());
-    // Valid, then out of range above and below: the valid value stays.
-    const int values[][3] = {{2, 0, 1}, {3, 3, 2}, {-1, INT_MIN, -1}};
-    for (const auto& [sensitivity, level, club] : values) {
-        settings.SetSensitivity(sensitivity);
-        settings.SetDifficulty(level);
-        settings.SetClubType(club);
-    }
-    EXPECT_EQ(Values(settings).substr(0, 22), "level:0 sens:2 club:1 ");
-    EXPECT_EQ(gUserDependsData.swingSensitivity, 2) << "the swing logic reads the shared values";
-}
-
-TEST_F(Settings, SaveWritesEveryValueBackAndFlipsFirstLaunch) {
+TEST_F(Settings, SettersKeepValuesInRangeAndSaveWritesThemBackAndFlipsFirstLaunch) {
     {
         OrvSettings settings(dir.path());
         EXPECT_FALSE(fs::exists(ini)) << "loading alone writes nothing";
-        settings.SetDifficulty(2);
-        settings.SetSensitivity(0);
-        settings.SetClubType(1);
+        // Valid, then out of range above and below: the valid value stays.
+        for (const auto& [level, sensitivity, club] :
+             {std::array{2, 0, 1}, {3, 3, 2}, {-1, INT_MIN, -1}}) {
+            settings.SetDifficulty(level);
+            settings.SetSensitivity(sensitivity);
+            settings.SetClubType(club);
+        }
+        EXPECT_EQ(gUserDependsData.swingSensitivity, 0)
+            << "the swing logic reads the shared values";
         settings.hideShotResult = true;
         settings.backgroundSound = false;
         settings.effectSound = false;
