@@ -19,22 +19,13 @@ TEST(TruSimMessages, FixedTextsAndTheChallengeWithItsOddSpacing) {
 }
 
 TEST(TruSimMessages, ShotRecordsWithThreeDecimalsAndTheTab) {
-    E6BallData ball;
-    ball.BackSpin = 2600.0;
-    ball.BallSpeed = 41.25;
-    ball.LaunchAngle = 11.87999980866909;
-    ball.LaunchDirection = -2.0005;
-    ball.SideSpin = -350.0;
-    EXPECT_EQ(E6_GetBallDataJson(ball),
+    // Launch angle, direction, ball speed, back spin, side spin.
+    EXPECT_EQ(E6_GetBallDataJson(E6BallData{11.87999980866909, -2.0005, 41.25, 2600.0, -350.0}),
               "{\"Type\":\"SetBallData\",\"BallData\":{\"BackSpin\":2600.000, "
               "\"BallSpeed\":41.250,\t\"LaunchAngle\":11.880, \"LaunchDirection\":-2.001, "
               "\"SideSpin\":-350.000}}");
 
-    E6ClubData club;
-    club.ClubHeadSpeed = 94.0;
-    club.ClubAngleFace = -0.0004;
-    club.ClubAnglePath = 15.0;
-    EXPECT_EQ(E6_GetClubDataJson(club),
+    EXPECT_EQ(E6_GetClubDataJson(E6ClubData{94.0, -0.0004, 15.0}),  // speed, face, path
               "{\"Type\":\"SetClubData\",\"ClubData\":{\"ClubAngleFace\":-0.000, "
               "\"ClubAnglePath\":15.000, \"ClubHeadSpeed\":94.000}}");
 
@@ -46,8 +37,7 @@ TEST(TruSimMessages, ShotRecordsWithThreeDecimalsAndTheTab) {
               "\"TeedUp\":\"false\"}}");
 
     // Too long for the 1024-byte buffer: nothing rather than a cut message.
-    ball = E6BallData{1e300, 1e300, 1e300, 1e300, 1e300};
-    EXPECT_EQ(E6_GetBallDataJson(ball), "");
+    EXPECT_EQ(E6_GetBallDataJson(E6BallData{1e300, 1e300, 1e300, 1e300, 1e300}), "");
 }
 
 TEST(TruSimMessages, ClubTypeNamesWedgeRenamesAndUnknownCodes) {
