@@ -85,6 +85,13 @@ public:
         StartReady();
         ASSERT_TRUE(SwingBecomesOneShot());
     }
+    // Nothing answers the firmware request: dropped after the fresh-link limit.
+    void SilentNewSensor() {
+        sensor->SetSilent(true);
+        StartManager();
+        ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }));
+        sensor->SetSilent(false);
+    }
     void SilentSensor() {
         StartReady();
         // Every command of the connect sequence answered: the link has proven alive.
@@ -174,6 +181,7 @@ const Fault kFaults[] = {
     {FAULT(UnansweredHandshake), 1, {{kConnect, 2}, {kDisconnect, 1}}},
     {FAULT(RefusedAuthentication), 1, {{"E6 auth failed.\n", 1}, {kConnect, 2}}},
     {FAULT(SlowSimulator), 2, {{kConnect, 1}, {kDisconnect, 0}}},
+    {FAULT(SilentNewSensor), 1, {{"Call disconnect.(timeout:300)\n", 1}, {kBleLost, 1}}},
     {FAULT(SilentSensor), 1, {{"Call disconnect.(timeout:1000)\n", 1}, {kBleLost, 1}}},
     {FAULT(LinkLostMidSwing), 1, {{kBleLost, 1}, {"Back swing timeout.\n", 1}}},
     {FAULT(BadFrames), 1, {{"Unknown data type: 85\n", 1}, {"Unknown data type: 238\n", 1}}},

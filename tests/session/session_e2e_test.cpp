@@ -138,20 +138,6 @@ TEST_F(SessionE2E, OnlyAFinishedSwingLongEnoughOrPuttedIsAShotOfTheFourMessages)
     EXPECT_EQ(emulator->Shots()[1].club, "Putter");
 }
 
-TEST_F(SessionE2E, SilentNewSensorIsDroppedAfterTheFreshLinkLimit) {
-    LogCapture log;
-    sensor->SetSilent(true);
-    emulator->Stop();
-    StartManager();
-    // Nothing ever answers the firmware request: dropped after the fresh-link limit.
-    ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }, 10s));
-    EXPECT_NE(log.Text().find("Call disconnect.(timeout:300)\n"), std::string::npos);
-
-    // One that has answered gets the longer limit, which the fault suite sees.
-    sensor->SetSilent(false);
-    EXPECT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 10s));
-}
-
 TEST_F(SessionE2E, PingPassWaitsBehindQueuedCommandsWhichStopFreesAndTheSessionRestarts) {
     const int threadsBefore = ThreadCount();
     config.timing.pingInterval = 300ms;
