@@ -127,7 +127,13 @@ TEST_F(SessionE2E, OnlyAFinishedSwingLongEnoughOrPuttedIsAShotOfTheFourMessages)
     // The simulator disarms after the shot: the clip is shown.
     EXPECT_TRUE(Eventually([&] { return recording.Count("show") == 1; }));
 
-    ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetArmState() == 0; }));
+    // Armed again, the simulator is told the club in hand; a change after that sticks.
+    ASSERT_TRUE(Eventually([&] {
+        const std::vector<std::string> got = emulator->Received();
+        return std::any_of(
+            std::find(got.begin(), got.end(), expected[3][1]), got.end(),
+            [](const std::string& text) { return text.find("SetClubType") != std::string::npos; });
+    }));
     emulator->SetClub("Putter");
     ASSERT_TRUE(emulator->SendPlayerData());
     ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetCurrentClub() == 15u; }));

@@ -97,15 +97,17 @@ TEST_F(TruSimLink, AuthenticatesByChallengeTakesTheGreetingAndASecondAfterEndCom
     EXPECT_EQ(listener.Count("disconnect"), 1);
 }
 
-TEST_F(TruSimLink, StopWhileConnectedNotifiesTwiceAndNothingAfterwards) {
+TEST_F(TruSimLink, StopWhileConnectedNotifiesAndNothingAfterwards) {
     auto owner = std::make_unique<RecordingListener>();
     auto stopped = std::make_unique<E6TruSimClient>();
     stopped->SetCallback(owner.get());
     stopped->Init("127.0.0.1", emulator->Port());
     ASSERT_TRUE(Eventually([&] { return owner->Started("arm:") == 1; }));
     stopped->Stop();
-    // Once by Stop, once more by the receive that the closing socket ends.
-    EXPECT_EQ(owner->Count("disconnect"), 2);
+    // Once by Stop, and once more by the receive that the closing socket ends
+    // when the connection thread was blocked in it (not when between reads).
+    const int disconnects = owner->Count("disconnect");
+    EXPECT_TRUE(disconnects == 1 || disconnects == 2) << disconnects;
     EXPECT_FALSE(stopped->IsConnected());
     EXPECT_FALSE(stopped->IsSocketOpen());
     owner.reset();  // the listener may go right after Stop
