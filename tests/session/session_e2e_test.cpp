@@ -83,6 +83,7 @@ TEST_F(SessionE2E, ClubFollowsEitherSideAndLeftRightSignalsByTheirSum) {
 }
 
 TEST_F(SessionE2E, OnlyAFinishedSwingLongEnoughOrPuttedIsAShotOfTheFourMessages) {
+    config.timing.backSwingWait = 150ms;  // time-out 1.2 s after the back swing
     StartManager();
     ASSERT_TRUE(WaitReady());
     emulator->ClearReceived();
@@ -94,7 +95,7 @@ TEST_F(SessionE2E, OnlyAFinishedSwingLongEnoughOrPuttedIsAShotOfTheFourMessages)
     sensor->TriggerAbortedSwing();
     ASSERT_TRUE(Eventually([&] { return recording.Count("stop:0") == 1; }));
     EXPECT_EQ(CountOf(log.Text(), "] Abort step: 3\n"), 1u);
-    EXPECT_FALSE(Eventually([&] { return CountOf(log.Text(), "Back swing timeout.\n") > 0; }, 1s));
+    EXPECT_FALSE(Eventually([&] { return CountOf(log.Text(), "Back swing timeout.\n") > 0; }, 2s));
     EXPECT_EQ(recording.Count("stop:0"), 1);
 
     sensor->TriggerSwing(DriverSwing(4.9));  // a waggle
@@ -122,7 +123,7 @@ TEST_F(SessionE2E, OnlyAFinishedSwingLongEnoughOrPuttedIsAShotOfTheFourMessages)
     // After the shot the sensor is told to hold (system setting flag 0).
     ASSERT_TRUE(Eventually([&] {
         return std::ranges::count(WrittenWithCode(ORV_COMMAND_SYSTEM_SETTING),
-                                  FrameOf(OrvCmdSystemSettingModel(0, 0, 1, 0))) == 1;
+                                  FrameOf(OrvCmdSystemSettingModel(0, 0, 1, 0))) > 0;
     }));
     // The simulator disarms after the shot: the clip is shown.
     EXPECT_TRUE(Eventually([&] { return recording.Count("show") == 1; }));
