@@ -14,13 +14,6 @@ struct LogSwitches : ::testing::Test {
     ~LogSwitches() override { ShowLog(false, false); }
 };
 
-namespace probe {
-struct Reporter {
-    void Report() { LOG_INFO("from member %d\n", 7); }
-    static void Failure() { LOG_ERROR("E6 auth failed.\n"); }
-};
-}  // namespace probe
-
 TEST_F(LogSwitches, GatingAndPrefixes) {
     orv::test::StdoutCapture out;
     EXPECT_TRUE(ShowLog(false, true));
@@ -47,19 +40,6 @@ TEST_F(LogSwitches, GatingAndPrefixes) {
     const long long stamp = std::stoll(match[2]);
     EXPECT_GE(stamp, before);
     EXPECT_LE(stamp, after);
-}
-
-TEST_F(LogSwitches, MacrosTagWithQualifiedNameAndLine) {
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    probe::Reporter().Report();
-    probe::Reporter::Failure();
-    const std::string text = out.Text();
-    EXPECT_NE(text.find("::probe::Reporter::Report("), std::string::npos) << text;
-    EXPECT_NE(text.find(")] from member 7\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("!!! ERROR ["), std::string::npos);
-    EXPECT_NE(text.find("::probe::Reporter::Failure("), std::string::npos) << text;
-    EXPECT_NE(text.find(")] E6 auth failed.\n"), std::string::npos);
 }
 
 TEST_F(LogSwitches, LongMessageIsCutNotRejected) {

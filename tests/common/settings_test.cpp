@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 #include <sstream>
 #include <string>
@@ -82,26 +83,19 @@ TEST_F(Settings, LoadReadsClampsAndDefaults) {
     EXPECT_EQ(settings.GetIniPath(), ini);
 }
 
-TEST_F(Settings, SettersKeepValuesInRange) {
-    OrvSettings settings(dir.path());
-    // Valid, then out of range above and below: the valid value stays.
-    const int values[][3] = {{2, 0, 1}, {3, 3, 2}, {-1, INT_MIN, -1}};
-    for (const auto& [sensitivity, level, club] : values) {
-        settings.SetSensitivity(sensitivity);
-        settings.SetDifficulty(level);
-        settings.SetClubType(club);
-    }
-    EXPECT_EQ(Values(settings).substr(0, 22), "level:0 sens:2 club:1 ");
-    EXPECT_EQ(gUserDependsData.swingSensitivity, 2) << "the swing logic reads the shared values";
-}
-
-TEST_F(Settings, SaveWritesEveryValueBackAndFlipsFirstLaunch) {
+TEST_F(Settings, SettersKeepValuesInRangeAndSaveWritesThemBackAndFlipsFirstLaunch) {
     {
         OrvSettings settings(dir.path());
         EXPECT_FALSE(fs::exists(ini)) << "loading alone writes nothing";
-        settings.SetDifficulty(2);
-        settings.SetSensitivity(0);
-        settings.SetClubType(1);
+        // Valid, then out of range above and below: the valid value stays.
+        for (const auto& [level, sensitivity, club] :
+             {std::array{2, 0, 1}, {3, 3, 2}, {-1, INT_MIN, -1}}) {
+            settings.SetDifficulty(level);
+            settings.SetSensitivity(sensitivity);
+            settings.SetClubType(club);
+        }
+        EXPECT_EQ(gUserDependsData.swingSensitivity, 0)
+            << "the swing logic reads the shared values";
         settings.hideShotResult = true;
         settings.backgroundSound = false;
         settings.effectSound = false;
@@ -124,43 +118,20 @@ TEST_F(Settings, SaveWritesEveryValueBackAndFlipsFirstLaunch) {
 }
 
 TEST_F(Settings, SaveKeepsCommentsUnknownKeysAndSections) {
-    WriteFileText(ini,
-                  "; Orvane X settings, edited by hand\r\n"
-                  "[Golf]\r\n"
-                  "; how hard the ball flight is\r\n"
-                  "SwingLevel=0\r\n"
-                  "MyOwnKey=keep me\r\n"
-                  "[E6]\r\n"
-                  "WriteableFilesPath=/nowhere/e6\r\n"
-                  "[Sound]\r\n"
-                  "# no music please\r\n"
-                  "Background=0\r\n"
-                  "; the end\r\n");
+    WriteFileText(
+        ini,
+        "; Orvane X settings, edited by hand\r\n[Golf]\r\n; how hard the ball flight is\r\n"
+        "SwingLevel=0\r\nMyOwnKey=keep me\r\n[E6]\r\nWriteableFilesPath=/nowhere/e6\r\n"
+        "[Sound]\r\n# no music please\r\nBackground=0\r\n; the end\r\n");
     OrvSettings settings(dir.path());
     settings.SetDifficulty(2);
     settings.SaveSetting();
-    const std::string text = ReadFileText(ini);
-    EXPECT_EQ(text,
-              "; Orvane X settings, edited by hand\n\n\n"
-              "[Golf]\n\n"
-              "; how hard the ball flight is\n"
-              "SwingLevel=2\n"
-              "MyOwnKey=keep me\n"
-              "FirstLaunch=1\n"
-              "SwingSensitivity=1\n"
-              "ClubType=0\n"
-              "HideShotResult=0\n"
-              "Version=0.0.0\n\n\n"
-              "[E6]\n"
-              "WriteableFilesPath=/nowhere/e6\n\n\n"
-              "[Sound]\n\n"
-              "# no music please\n"
-              "Background=0\n"
-              "Effect=1\n\n\n"
-              "[Camera]\n"
-              "ShowPreview=0\n"
-              "Recording=0\n"
-              "; the end\n");
+    EXPECT_EQ(ReadFileText(ini),
+              "; Orvane X settings, edited by hand\n\n\n[Golf]\n\n; how hard the ball flight is\n"
+              "SwingLevel=2\nMyOwnKey=keep me\nFirstLaunch=1\nSwingSensitivity=1\nClubType=0\n"
+              "HideShotResult=0\nVersion=0.0.0\n\n\n[E6]\nWriteableFilesPath=/nowhere/e6\n\n\n"
+              "[Sound]\n\n# no music please\nBackground=0\nEffect=1\n\n\n"
+              "[Camera]\nShowPreview=0\nRecording=0\n; the end\n");
     EXPECT_EQ(settings.GetSimulatorPath("WriteableFilesPath"), "/nowhere/e6");
     EXPECT_EQ(settings.GetSimulatorPath("DefaultPath"), "");
 }

@@ -30,30 +30,33 @@ const char kShown[] =
     "\t<AudioSettings Master=\"0.8\">crowd &amp; birds</AudioSettings>\n"
     "</SettingsFile>\n";
 
-struct ShowResult : ::testing::Test {
+TEST(ShowResult, AnalysersFollowTheHiddenResultScreenAndAnythingButXmlIsLeftAlone) {
     orv::test::TempDir dir;
-    fs::path simulator = dir.path() / "E6 Golf";
-    fs::path stg = simulator / "defaults.stg";
-
-    ShowResult() { fs::create_directory(simulator); }
-    ~ShowResult() override { ShowLog(false, false); }
-
-    void PointSettingsAtSimulator() {
-        WriteFileText(dir.path() / "settings.ini",
-                      "[E6]\nWriteableFilesPath=" + simulator.string() + "\nDefaultPath=/opt/e6\n");
-    }
-};
-
-TEST_F(ShowResult, AnalysersFollowTheHiddenResultScreenAndTheRestStays) {
-    PointSettingsAtSimulator();
-    WriteFileText(stg, kDefaultsStg);
+    const fs::path simulator = dir.path() / "E6 Golf";
+    const fs::path stg = simulator / "defaults.stg";
+    fs::create_directory(simulator);
+    WriteFileText(dir.path() / "settings.ini",
+                  "[E6]\nWriteableFilesPath=" + simulator.string() + "\nDefaultPath=/opt/e6\n");
     OrvSettings settings(dir.path());
     EXPECT_EQ(settings.GetSimulatorPath("DefaultPath"), "/opt/e6");
-
     settings.hideShotResult = true;
+
+    {
+        orv::test::LogCapture log;
+        settings.SaveShowResult();
+        EXPECT_FALSE(fs::exists(stg)) << "a missing file is not created";
+        for (const std::string broken : {std::string(kDefaultsStg).substr(0, 120), std::string()}) {
+            WriteFileText(stg, broken);
+            settings.SaveShowResult();
+            EXPECT_EQ(ReadFileText(stg), broken);
+        }
+        EXPECT_EQ(orv::test::CountOf(log.Text(), "defaults.stg: missing, not updated\n"), 1u);
+        EXPECT_EQ(orv::test::CountOf(log.Text(), "defaults.stg: not XML, not updated\n"), 2u);
+    }
+
+    WriteFileText(stg, kDefaultsStg);
     settings.SaveShowResult();
     EXPECT_EQ(ReadFileText(stg), kShown);
-
     settings.hideShotResult = false;
     settings.SaveSetting();
     std::string hidden = kShown;
@@ -61,31 +64,6 @@ TEST_F(ShowResult, AnalysersFollowTheHiddenResultScreenAndTheRestStays) {
         hidden.replace(at, 6, "\"False\"");
     }
     EXPECT_EQ(ReadFileText(stg), hidden);
-}
-
-TEST_F(ShowResult, MalformedOrMissingFilesAreLeftAlone) {
-    PointSettingsAtSimulator();
-    OrvSettings settings(dir.path());
-    settings.hideShotResult = true;
-
-    orv::test::StdoutCapture out;
-    ShowLog(true, false);
-    settings.SaveShowResult();
-    EXPECT_FALSE(fs::exists(stg)) << "a missing file is not created";
-
-    const std::string broken = std::string(kDefaultsStg).substr(0, 120);
-    WriteFileText(stg, broken);
-    settings.SaveShowResult();
-    EXPECT_EQ(ReadFileText(stg), broken);
-
-    WriteFileText(stg, "");
-    settings.SaveShowResult();
-    EXPECT_EQ(ReadFileText(stg), "");
-    ShowLog(false, false);
-
-    const std::string log = out.Text();
-    EXPECT_EQ(orv::test::CountOf(log, "defaults.stg: missing, not updated\n"), 1u) << log;
-    EXPECT_EQ(orv::test::CountOf(log, "defaults.stg: not XML, not updated\n"), 2u) << log;
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
 #include <cstdlib>
 #include <mutex>
 #include <thread>
@@ -21,51 +20,42 @@ namespace {
 using orv::test::Eventually;
 using Samples = std::vector<int16_t>;
 
-// What the voice played, shared with the test after the voice is gone.
+// Stands in for the sound server: records each announcement, and while the
+// gate is closed holds it "playing" until the voice asks to stop.
 struct Played {
-    // Guards everything below.
-    std::mutex mutex;
-    std::condition_variable changed;
+    std::mutex mutex;  // guards everything below
     std::vector<Samples> clips;
     bool gateOpen = true;
     bool playing = false;
     bool stoppedEarly = false;
 
-    size_t Count() {
+    template <typename T>
+    T Get(T Played::*member) {
         std::lock_guard lock(mutex);
-        return clips.size();
-    }
-    bool Playing() {
-        std::lock_guard lock(mutex);
-        return playing;
+        return this->*member;
     }
     void SetGate(bool open) {
-        {
-            std::lock_guard lock(mutex);
-            gateOpen = open;
-        }
-        changed.notify_all();
+        std::lock_guard lock(mutex);
+        gateOpen = open;
     }
 };
 
-// Stands in for the sound server: records each announcement, and while the
-// gate is closed holds it "playing" until the voice asks to stop.
 class RecordingOutput final : public orv::SpeechOutput {
 public:
     explicit RecordingOutput(std::shared_ptr<Played> played) : played_(std::move(played)) {}
-
     void Play(const Samples& samples, const std::atomic<bool>& keepPlaying) override {
         std::unique_lock lock(played_->mutex);
         played_->playing = true;
         while (!played_->gateOpen && keepPlaying) {
-            played_->changed.wait_for(lock, std::chrono::milliseconds(5));
+            lock.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            lock.lock();
         }
         played_->playing = false;
-        if (!keepPlaying) {
-            played_->stoppedEarly = true;
-            return;
+        played_->stoppedEarly |= !keepPlaying;
+        if (keepPlaying) {
+            played_->clips.push_back(samples);
         }
-        played_->clips.push_back(samples);
     }
 
 private:
@@ -110,7 +100,7 @@ TEST(SpeechVoice, MissingVoiceFallsBackToTheDefaultVoice) {
     EXPECT_TRUE(TTS_SynthesizeToMemory("", 1033).empty());
 }
 
-TEST_F(Speech, AnnouncementsAreQueuedInOrderWithoutBlockingTheCaller) {
+TEST_F(Speech, AnnouncementsQueueInOrderWithoutBlockingTheCallerAndDeInitCutsThemShort) {
     orv::test::StdoutCapture out;
     ShowLog(true, false);
     ASSERT_TRUE(Start());
@@ -122,14 +112,22 @@ TEST_F(Speech, AnnouncementsAreQueuedInOrderWithoutBlockingTheCaller) {
     for (const auto& text : texts) {
         TTS_Speak(text);  // returns although the output is held
     }
-    ASSERT_TRUE(Eventually([&] { return played->Playing(); }));
-    EXPECT_EQ(played->Count(), 0u);
+    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::playing); }));
+    EXPECT_EQ(played->Get(&Played::clips).size(), 0u);
     played->SetGate(true);
-    ASSERT_TRUE(Eventually([&] { return played->Count() == texts.size(); }));
+    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::clips).size() == texts.size(); }));
     for (size_t i = 0; i < texts.size(); ++i) {
         EXPECT_TRUE(SameSpeech(played->clips[i], TTS_SynthesizeToMemory(texts[i], 1033)))
             << texts[i];
     }
+
+    played->SetGate(false);
+    TTS_Speak(texts[2]);
+    TTS_Speak(texts[1]);
+    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::playing); }));
+    TTS_DeInit();
+    EXPECT_TRUE(played->Get(&Played::stoppedEarly));
+    EXPECT_EQ(played->Get(&Played::clips).size(), texts.size()) << "the queued one is dropped";
 }
 
 // Only "Ready." here is spoken: before init, empty, with the effect sound
@@ -145,24 +143,12 @@ TEST_F(Speech, OnlyAllowedAnnouncementsArePlayed) {
     TTS_Speak("Sensor disconnected.");
     settings->effectSound = true;
     TTS_Speak("Ready.");
-    ASSERT_TRUE(Eventually([&] { return played->Count() == 1; }));
+    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::clips).size() == 1; }));
     TTS_DeInit();
     TTS_Speak("Sensor connected.");
     TTS_DeInit();
-    EXPECT_EQ(played->Count(), 1u);
+    EXPECT_EQ(played->Get(&Played::clips).size(), 1u);
     EXPECT_TRUE(SameSpeech(played->clips[0], TTS_SynthesizeToMemory("Ready.", 1033)));
-}
-
-TEST_F(Speech, DeInitCutsTheCurrentAnnouncementShort) {
-    ASSERT_TRUE(Start());
-    played->SetGate(false);
-    TTS_Speak("Sensor battery is low. Please charge it soon.");
-    TTS_Speak("Ready.");
-    ASSERT_TRUE(Eventually([&] { return played->Playing(); }));
-    TTS_DeInit();
-    std::lock_guard lock(played->mutex);
-    EXPECT_TRUE(played->stoppedEarly);
-    EXPECT_TRUE(played->clips.empty()) << "the queued announcement is dropped";
 }
 
 TEST_F(Speech, SpeakingWhileSpeechStartsAndStops) {

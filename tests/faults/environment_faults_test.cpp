@@ -5,10 +5,12 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include "ble/bluez/make_bluez_stack.h"
 #include "common/settings.h"
 #include "common/user_depends_data.h"
+#include "tests/ble/fake_bluez/fake_bluez.h"
+#include "tests/ble/fake_bluez/private_system_bus.h"
 #include "tests/faults/fault_session.h"
-#include "tests/session/session_over_bluez.h"
 #include "tests/support/file_text.h"
 
 namespace orv::test {
@@ -31,24 +33,19 @@ public:
     }
     // Whether the folder really refuses a new file here.
     bool Refuses() const {
-        const fs::path probe = folder_ / "probe";
-        const int fd = ::open(probe.c_str(), O_CREAT | O_WRONLY, 0600);
-        if (fd < 0) {
-            return true;
+        const int fd = ::open((folder_ / "probe").c_str(), O_CREAT | O_WRONLY, 0600);
+        if (fd >= 0) {
+            ::close(fd);
+            fs::remove(folder_ / "probe");
         }
-        ::close(fd);
-        fs::remove(probe);
-        return false;
+        return fd < 0;
     }
 
 private:
     void SetImmutable(bool on) {
         const int fd = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY);
-        if (fd < 0) {
-            return;
-        }
         int flags = 0;
-        if (::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0) {
+        if (fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0) {
             flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
             ::ioctl(fd, FS_IOC_SETFLAGS, &flags);
         }
@@ -104,12 +101,25 @@ TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFi
     EXPECT_NE(ReadFileText(ini).find("SwingLevel=0"), std::string::npos);
 }
 
-class BluetoothdFaults : public SessionOverBluezOf<FaultSession> {};
+class BluetoothdFaults : public FaultSession {
+protected:
+    PrivateSystemBus bus;  // outlives every client of the bus
+    FakeBluez bluez;
+};
 
-// The whole program over the BlueZ backend, first as it is, then through a
-// restart of bluetoothd.
+// The whole program over the BlueZ backend (a fake bluetoothd on a private
+// system bus, whose one device carries the virtual sensor), first as it is,
+// then through a restart of bluetoothd.
 TEST_F(BluetoothdFaults, OneShotOverBluezThenARestartIsLivedThrough) {
-    ASSERT_TRUE(StartBluez());
+    ASSERT_TRUE(bus.ok());
+    bluez.AddAdapter();
+    bluez.AddDevice({.address = "C0:DE:5E:45:00:01", .name = "orvane-demo", .sensor = sensor});
+    config.makeBleStack = [] {
+        BluezTiming timing;
+        timing.adapterWait = 100ms;
+        return MakeBluezStack(timing);
+    };
+    ASSERT_TRUE(bluez.Start());
     LogCapture log;
     StartManager();
     ASSERT_TRUE(SwingBecomesOneShot());
@@ -123,7 +133,7 @@ TEST_F(BluetoothdFaults, OneShotOverBluezThenARestartIsLivedThrough) {
     ASSERT_TRUE(bluez.Start());
     ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }, 15s));
     ASSERT_TRUE(SwingBecomesOneShot());
-    EXPECT_EQ(ShotCount(), 2u);
+    EXPECT_EQ(emulator->Shots().size(), 2u);
 
     manager->Stop();
     manager.reset();

@@ -1,10 +1,11 @@
 #include "tests/faults/fault_session.h"
 
+#include <algorithm>
+
 namespace orv::test {
 
 using namespace std::chrono_literals;
 
-// The four messages that make one shot, in the order they must arrive.
 const std::vector<std::string> kShotTypes = {"SetBallData", "SetClubData", "SetMiscData",
                                              "SendShot"};
 
@@ -20,28 +21,20 @@ std::vector<std::string> ShotSequence(const std::vector<std::string>& received) 
     return types;
 }
 
-bool FaultSession::SensorConnectedNow() const {
-    const std::vector<std::string> events = ui.Events();
-    for (auto event = events.rbegin(); event != events.rend(); ++event) {
-        if (event->rfind("ble:", 0) == 0) {
-            return *event == "ble:3";
-        }
-    }
-    return false;
-}
-
-size_t FaultSession::ShotCount() const {
-    return emulator->Shots().size();
-}
-
 bool FaultSession::SwingBecomesOneShot() {
-    // A swing while the simulator is still disarmed from the last shot would
-    // not be a fair test of the link.
-    if (!WaitReady() || !Eventually([&] { return SensorConnectedNow(); })) {
+    // The sensor's last reported state is "connected" (an earlier connection
+    // does not count), and the simulator is armed again after the last shot.
+    const auto sensorUp = [&] {
+        const std::vector<std::string> events = ui.Events();
+        const auto last = std::find_if(events.rbegin(), events.rend(),
+                                       [](const std::string& e) { return e.starts_with("ble:"); });
+        return last != events.rend() && *last == "ble:3";
+    };
+    if (!WaitReady() || !Eventually(sensorUp)) {
         ADD_FAILURE() << "session not ready for a swing";
         return false;
     }
-    const size_t shots = ShotCount();
+    const size_t shots = emulator->Shots().size();
     const size_t seen = emulator->Received().size();
     sensor->TriggerSwing(DriverSwing());
     if (!emulator->WaitForShots(shots + 1, 10s)) {
@@ -52,8 +45,8 @@ bool FaultSession::SwingBecomesOneShot() {
     const std::vector<std::string> fresh(all.begin() + static_cast<std::ptrdiff_t>(seen),
                                          all.end());
     EXPECT_EQ(ShotSequence(fresh), kShotTypes);
-    EXPECT_EQ(ShotCount(), shots + 1);
-    return ShotSequence(fresh) == kShotTypes && ShotCount() == shots + 1;
+    EXPECT_EQ(emulator->Shots().size(), shots + 1);
+    return ShotSequence(fresh) == kShotTypes && emulator->Shots().size() == shots + 1;
 }
 
 bool FaultSession::ReconnectedAndReady(int connectionsBefore) {

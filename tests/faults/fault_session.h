@@ -10,11 +10,6 @@ namespace orv::test {
 
 class FaultSession : public SessionTest {
 protected:
-    // Shots the simulator has taken so far.
-    size_t ShotCount() const;
-    // The sensor's last reported link state is "connected" (an earlier
-    // connection does not count, unlike WaitReady).
-    bool SensorConnectedNow() const;
     // One swing; true when it arrives as exactly one more shot, each of its
     // four messages once and in order.
     bool SwingBecomesOneShot();

@@ -16,8 +16,8 @@ class Faults;
 struct Fault {
     const char* name;
     void (Faults::*inject)();                           // brings the session up and does the damage
-    std::vector<std::pair<const char*, size_t>> lines;  // log line -> times seen
     size_t shots;                                       // after the swing that follows the fault
+    std::vector<std::pair<const char*, size_t>> lines;  // log line -> times seen
 };
 
 class Faults : public FaultSession, public ::testing::WithParamInterface<Fault> {
@@ -85,6 +85,13 @@ public:
         StartReady();
         ASSERT_TRUE(SwingBecomesOneShot());
     }
+    // Nothing answers the firmware request: dropped after the fresh-link limit.
+    void SilentNewSensor() {
+        sensor->SetSilent(true);
+        StartManager();
+        ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:0"); }));
+        sensor->SetSilent(false);
+    }
     void SilentSensor() {
         StartReady();
         // Every command of the connect sequence answered: the link has proven alive.
@@ -127,7 +134,7 @@ public:
         oversizedBattery.resize(2048, 0xAB);  // trailing bytes are ignored
         sensor->SendFrame(oversizedBattery);
         ASSERT_TRUE(Eventually([&] { return ui.Saw("battery:42"); }));
-        EXPECT_EQ(ShotCount(), 0u);
+        EXPECT_EQ(emulator->Shots().size(), 0u);
     }
     void Flood() {
         StartReady();
@@ -152,7 +159,7 @@ TEST_P(Faults, AreLoggedAndTheNextSwingIsOneWholeShot) {
     for (const auto& [line, times] : GetParam().lines) {
         EXPECT_EQ(CountOf(text, line), times) << line << "\n" << text;
     }
-    EXPECT_EQ(ShotCount(), GetParam().shots);
+    EXPECT_EQ(emulator->Shots().size(), GetParam().shots);
     // No fault left half a shot behind, before or after.
     EXPECT_EQ(ShotSequence(emulator->Received()).size(), 4 * GetParam().shots);
     EXPECT_TRUE(manager->IsRunning());
@@ -162,43 +169,27 @@ const char kConnect[] = "E6 Client OnConnect.\n";
 const char kDisconnect[] = "E6 Client OnDisconnect.\n";
 const char kBleLost[] = "Ble disconnected\n";
 
-INSTANTIATE_TEST_SUITE_P(
-    Session, Faults,
-    ::testing::Values(
-        Fault{"ResetMidMessage", &Faults::ResetMidMessage, {{kConnect, 2}, {"Error:", 0}}, 1},
-        Fault{"ClosedMidMessage", &Faults::ClosedMidMessage, {{kConnect, 2}, {"Error:", 0}}, 1},
-        Fault{"Garbage",
-              &Faults::Garbage,
-              {{"Error:", 3}, {"Not Support.\n", 1}, {kConnect, 1}, {kDisconnect, 0}},
-              1},
-        Fault{
-            "EndlessMessage",
-            &Faults::EndlessMessage,
-            {{"Message longer than 65536 bytes without its end; link dropped\n", 1}, {kConnect, 2}},
-            1},
-        Fault{"UnansweredHandshake",
-              &Faults::UnansweredHandshake,
-              {{kConnect, 2}, {kDisconnect, 1}},
-              1},
-        Fault{"RefusedAuthentication",
-              &Faults::RefusedAuthentication,
-              {{"E6 auth failed.\n", 1}, {kConnect, 2}},
-              1},
-        Fault{"SlowSimulator", &Faults::SlowSimulator, {{kConnect, 1}, {kDisconnect, 0}}, 2},
-        Fault{"SilentSensor",
-              &Faults::SilentSensor,
-              {{"Call disconnect.(timeout:1000)\n", 1}, {kBleLost, 1}},
-              1},
-        Fault{"LinkLostMidSwing",
-              &Faults::LinkLostMidSwing,
-              {{kBleLost, 1}, {"Back swing timeout.\n", 1}},
-              1},
-        Fault{"BadFrames",
-              &Faults::BadFrames,
-              {{"Unknown data type: 85\n", 1}, {"Unknown data type: 238\n", 1}},
-              1},
-        Fault{"Flood", &Faults::Flood, {{kBleLost, 0}}, 2}),
-    [](const auto& info) { return std::string(info.param.name); });
+// The fault's name and its injection, the shots after the next swing, and log line -> times seen.
+#define FAULT(name) #name, &Faults::name
+const Fault kFaults[] = {
+    {FAULT(ResetMidMessage), 1, {{kConnect, 2}, {"Error:", 0}}},
+    {FAULT(ClosedMidMessage), 1, {{kConnect, 2}, {"Error:", 0}}},
+    {FAULT(Garbage), 1, {{"Error:", 3}, {"Not Support.\n", 1}, {kConnect, 1}, {kDisconnect, 0}}},
+    {FAULT(EndlessMessage),
+     1,
+     {{"Message longer than 65536 bytes without its end; link dropped\n", 1}, {kConnect, 2}}},
+    {FAULT(UnansweredHandshake), 1, {{kConnect, 2}, {kDisconnect, 1}}},
+    {FAULT(RefusedAuthentication), 1, {{"E6 auth failed.\n", 1}, {kConnect, 2}}},
+    {FAULT(SlowSimulator), 2, {{kConnect, 1}, {kDisconnect, 0}}},
+    {FAULT(SilentNewSensor), 1, {{"Call disconnect.(timeout:300)\n", 1}, {kBleLost, 1}}},
+    {FAULT(SilentSensor), 1, {{"Call disconnect.(timeout:1000)\n", 1}, {kBleLost, 1}}},
+    {FAULT(LinkLostMidSwing), 1, {{kBleLost, 1}, {"Back swing timeout.\n", 1}}},
+    {FAULT(BadFrames), 1, {{"Unknown data type: 85\n", 1}, {"Unknown data type: 238\n", 1}}},
+    {FAULT(Flood), 2, {{kBleLost, 0}}},
+};
+#undef FAULT
+INSTANTIATE_TEST_SUITE_P(Session, Faults, ::testing::ValuesIn(kFaults),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace orv::test

@@ -1,8 +1,9 @@
 // Ten thousand swings through the whole session: every one must arrive as one
 // complete shot, and threads, descriptors and memory must stay where they were.
 #include <cstdio>
-#include <cstring>
 #include <fstream>
+
+#include <unistd.h>
 
 #include "tests/faults/fault_session.h"
 
@@ -17,15 +18,12 @@ constexpr int kWarmUp = 1000;
 // keeps every shot's record (about 100 bytes each), which accounts for ~1 MiB.
 constexpr long kRssMarginKiB = 4 * 1024;
 
+// Resident memory: statm counts it in pages, as its second field.
 long RssKiB() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("VmRSS:", 0) == 0) {
-            return std::stol(line.substr(6));
-        }
-    }
-    return -1;
+    long size = 0;
+    long pages = -1;
+    std::ifstream("/proc/self/statm") >> size >> pages;
+    return pages * (::sysconf(_SC_PAGESIZE) / 1024);
 }
 
 // Counts UI events without keeping them, so the test itself does not grow.
@@ -61,8 +59,8 @@ protected:
 };
 
 TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
-    const int threadsBefore = EntriesIn("/proc/self/task");
-    const int fdsBefore = EntriesIn("/proc/self/fd");
+    const int threadsBefore = ThreadCount();
+    const int fdsBefore = OpenFdCount();
     const auto started = std::chrono::steady_clock::now();
 
     CountingUi counting;
@@ -95,9 +93,9 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
     manager.reset();
     // Counted with the sensor and the simulator still up, as before the start.
     ASSERT_TRUE(emulator->WaitForClientGone(5s));
-    Eventually([&] { return EntriesIn("/proc/self/task") <= threadsBefore; }, 2s);
-    const int threadsAfter = EntriesIn("/proc/self/task");
-    const int fdsAfter = EntriesIn("/proc/self/fd");
+    Eventually([&] { return ThreadCount() <= threadsBefore; }, 2s);
+    const int threadsAfter = ThreadCount();
+    const int fdsAfter = OpenFdCount();
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     std::printf(

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,9 +12,10 @@
 
 namespace {
 
-// A frame around `payload` with its length and XOR checksum.
-struct Frame {
-    explicit Frame(uint8_t type, std::vector<uint8_t> payload) {
+// `Record` parsed from a frame of `type` around `payload`, with its length and XOR checksum.
+template <typename Record>
+struct Parsed {
+    Parsed(uint8_t type, const std::vector<uint8_t>& payload) {
         std::vector<uint8_t> bytes{type, static_cast<uint8_t>(payload.size())};
         bytes.insert(bytes.end(), payload.begin(), payload.end());
         uint8_t sum = 0;
@@ -22,55 +24,49 @@ struct Frame {
         }
         bytes.push_back(sum);
         buffer = bb_new_copy(bytes.data(), static_cast<uint32_t>(bytes.size()));
+        record.emplace(buffer);
+        EXPECT_TRUE(record->ParseData());
     }
-    ~Frame() { bb_free(&buffer); }
+    ~Parsed() { bb_free(&buffer); }
+    Record* operator->() { return &*record; }
     bb* buffer;
+    std::optional<Record> record;
 };
 
-// `Record` parsed from a frame of `type` around `payload`.
-template <typename Record>
-struct Parsed {
-    Parsed(uint8_t type, std::vector<uint8_t> payload) : frame(type, std::move(payload)) {
-        record.ParseData();
-    }
-    Frame frame;
-    Record record{frame.buffer};
-    Record* operator->() { return &record; }
-};
-
-TEST(DataRecords, SwingInfoScalingAndUnsignedFields) {
-    Frame frame(ORV_DATA_SWING_INFO, {
-                                         0x01,        // distance unit
-                                         0x03, 0xE8,  // swing distance 1000 -> 10.0
-                                         0x02,        // speed unit
-                                         0xFF, 0xFF,  // head speed 65535 -> 655.35
-                                         25,          // tempo -> 2.5
-                                         0x05,        // path direction (negative)
-                                         0x00, 0x2D,  // path 45 -> 4.5
-                                         0x01,        // face direction
-                                         0x00, 0x0C,  // face 12 -> 1.2
-                                         0x03,        // swing type
-                                         0x27, 0x10,  // sensor speed 10000 -> 100.0
-                                         0xC8,        // release ratio 200
-                                     });
-    OrvDataSwingInfoModel record(frame.buffer);
-    EXPECT_TRUE(record.ParseData());
-    EXPECT_EQ(record.type, 2);
-    EXPECT_EQ(record.length, 17);
-    EXPECT_EQ(record.DistanceUnit, 1);
-    EXPECT_FLOAT_EQ(record.SwingDistance, 10.0f);
-    EXPECT_EQ(record.SpeedUnit, 2);
-    EXPECT_EQ(record.HeadSpeed, static_cast<float>(65535 / 100.0));
-    EXPECT_EQ(record.Tempo, static_cast<float>(25 / 10.0));
-    EXPECT_EQ(record.ClubPathDir, 5);
-    EXPECT_FLOAT_EQ(record.ClubPath, 4.5f);
-    EXPECT_EQ(record.FaceAngleDir, 1);
-    EXPECT_FLOAT_EQ(record.FaceAngle, 1.2f);
-    EXPECT_EQ(record.SwingType, 3);
-    EXPECT_FLOAT_EQ(record.SensorSpeed, 100.0f);
-    EXPECT_EQ(record.ClubReleaseRatio, 200);
-    EXPECT_EQ(record.checksum, frame.buffer->data[19]);
-    EXPECT_EQ(frame.buffer->pos, 20);
+TEST(DataRecords, SwingInfoScalingUnsignedFieldsAndItsDumpWithTheLogOnOnly) {
+    Parsed<OrvDataSwingInfoModel> swing(ORV_DATA_SWING_INFO,
+                                        {
+                                            0x01,        // distance unit
+                                            0x03, 0xE8,  // swing distance 1000 -> 10.0
+                                            0x02,        // speed unit
+                                            0xFF, 0xFF,  // head speed 65535 -> 655.35
+                                            25,          // tempo -> 2.5
+                                            0x05,        // path direction (negative)
+                                            0x00, 0x2D,  // path 45 -> 4.5
+                                            0x01,        // face direction
+                                            0x00, 0x0C,  // face 12 -> 1.2
+                                            0x03,        // swing type
+                                            0x27, 0x10,  // sensor speed 10000 -> 100.0
+                                            0xC8,        // release ratio 200
+                                        });
+    EXPECT_EQ(swing->type, 2);
+    EXPECT_EQ(swing->length, 17);
+    EXPECT_EQ(swing->checksum, swing.buffer->data[19]);
+    EXPECT_EQ(swing.buffer->pos, 20);
+    orv::test::StdoutCapture out;
+    swing->ToLog();
+    EXPECT_EQ(out.Text(), "");
+    ShowLog(true, false);
+    swing->ToLog();
+    ShowLog(false, false);
+    const std::string text = out.Text();
+    EXPECT_NE(text.find("[OrvDataSwingInfoModel::ToLog("), std::string::npos);
+    EXPECT_EQ(text.substr(text.find(")] ") + 3),
+              "\n============= SwingInfo =============\nDistance unit: 1\nSwing distance: "
+              "10.000000\nSpeedUnit: 2\nHeadSpeed: 655.349976\nTempo: 2.500000\nClubPathDir: 5\n"
+              "ClubPath: 4.500000\nFaceAngleDir: 1\nFaceAngle: 1.200000\nSwingType: 3\n"
+              "SensorSpeed: 100.000000\nClubReleaseRatio: 200\n"
+              "=====================================\n\n");
 }
 
 TEST(DataRecords, SmallRecordsAndTheVersionText) {
@@ -82,11 +78,20 @@ TEST(DataRecords, SmallRecordsAndTheVersionText) {
     EXPECT_STREQ((Parsed<OrvDataFWVersionModel>(ORV_DATA_FW_VERSION, {'2', '0', '7'})->version),
                  "2.0.7");
     EXPECT_EQ((Parsed<OrvDataSwingAbort>(ORV_DATA_SWING_ABORT, {3})->step), 3);
+    // Left/right count: the left side counts down, a zero count is one.
+    const int counts[][3] = {{1, 0, -1}, {0, 3, 3}, {2, 3, 3},
+                             {1, 2, -2}, {0, 0, 1}, {255, 255, 255}};
+    for (const auto& [side, count, expected] : counts) {
+        EXPECT_EQ(
+            (Parsed<OrvDataLRSig>(ORV_DATA_LR_SIG, {uint8_t(side), uint8_t(count)})->GetCount()),
+            expected)
+            << side << "," << count;
+    }
 }
 
 TEST(DataRecords, RawSamplesAreSignedImpactValuesUnsigned) {
-    std::vector<uint8_t> payload{0xFF, 0x9C, 0x00, 0x01, 0x80, 0x00, 0x7F, 0xFF,
-                                 0,    0,    0xFF, 0xFF, 5,    0x01, 0x02, 0x01};
+    const std::vector<uint8_t> payload{0xFF, 0x9C, 0x00, 0x01, 0x80, 0x00, 0x7F, 0xFF,
+                                       0,    0,    0xFF, 0xFF, 5,    0x01, 0x02, 0x01};
     Parsed<OrvDataRawModel> raw(ORV_DATA_RAW, payload);
     EXPECT_EQ(raw->ax, -100);
     EXPECT_EQ(raw->ay, 1);
@@ -101,31 +106,19 @@ TEST(DataRecords, RawSamplesAreSignedImpactValuesUnsigned) {
     EXPECT_EQ(impact->values[0], 65436);
     EXPECT_EQ(impact->values[5], 65535);
     EXPECT_EQ(impact->extra, 5);
-    EXPECT_EQ(impact.frame.buffer->pos, 19);  // three trailing bytes skipped, then the checksum
+    EXPECT_EQ(impact.buffer->pos, 19);  // three trailing bytes skipped, then the checksum
 
     Parsed<OrvDataSimRawModel> simRaw(ORV_DATA_SIM_RAW,
                                       {0xFF, 0x9C, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 9, 9, 9});
     EXPECT_EQ(simRaw->ax, -100);
     EXPECT_EQ(simRaw->step, 2);
-    EXPECT_EQ(simRaw->checksum, simRaw.frame.buffer->data[18]);
+    EXPECT_EQ(simRaw->checksum, simRaw.buffer->data[18]);
 
     Parsed<OrvDataSimResultModel> sim(
         ORV_DATA_SIM_RESULT,
         {1, 2, 3, 4, 5, 6, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE});
     EXPECT_EQ(sim->values[5], 6);
-    EXPECT_EQ(sim->checksum, sim.frame.buffer->data[19]);
-}
-
-TEST(DataRecords, LeftRightCountRule) {
-    struct Case {
-        uint8_t side, count;
-        int expected;
-    };
-    for (const Case& c : {Case{1, 0, -1}, Case{0, 3, 3}, Case{2, 3, 3}, Case{1, 2, -2},
-                          Case{0, 0, 1}, Case{255, 255, 255}}) {
-        EXPECT_EQ(Parsed<OrvDataLRSig>(ORV_DATA_LR_SIG, {c.side, c.count})->GetCount(), c.expected)
-            << int(c.side) << "," << int(c.count);
-    }
+    EXPECT_EQ(sim->checksum, sim.buffer->data[19]);
 }
 
 TEST(DataRecords, ShortAndEmptyFramesParseIntoZeros) {
@@ -139,45 +132,28 @@ TEST(DataRecords, ShortAndEmptyFramesParseIntoZeros) {
     EXPECT_EQ(record.checksum, 0);
     bb_free(&buffer);
 
-    bb* empty = bb_new_copy(nullptr, 0);
-    OrvDataFWVersionModel version(empty);
+    buffer = bb_new_copy(nullptr, 0);
+    OrvDataFWVersionModel version(buffer);
     version.ParseData();
     // Three zero characters: the text is "\0.\0.\0", empty as a C string.
-    EXPECT_EQ(version.version[0], '\0');
-    EXPECT_EQ(version.version[1], '.');
-    EXPECT_EQ(version.version[4], '\0');
-    bb_free(&empty);
+    EXPECT_EQ(std::string(version.version, 5), std::string("\0.\0.\0", 5));
+    bb_free(&buffer);
 }
 
 TEST(DataRecords, DispatchBuildsTheRecordOfEachKnownType) {
     int visited = 0;
     for (int code = 0; code < 256; ++code) {
-        Frame frame(static_cast<uint8_t>(code), std::vector<uint8_t>(17, 1));
-        const bool known = orv::VisitDataRecord(frame.buffer, [&](auto& record) {
+        const std::vector<uint8_t> bytes(20, 1);
+        bb* frame = bb_new_copy(bytes.data(), 20);
+        frame->data[0] = static_cast<uint8_t>(code);
+        const bool known = orv::VisitDataRecord(frame, [&](auto& record) {
             EXPECT_EQ(record.type, code);
             ++visited;
         });
         EXPECT_EQ(known, OrvGetDataCodeDef(static_cast<uint8_t>(code)) != nullptr) << code;
+        bb_free(&frame);
     }
     EXPECT_EQ(visited, 11);
-}
-
-TEST(DataRecords, SwingInfoDumpOnlyWithTheLogOn) {
-    Parsed<OrvDataSwingInfoModel> record(ORV_DATA_SWING_INFO, std::vector<uint8_t>(17, 0));
-    orv::test::StdoutCapture out;
-    record->ToLog();
-    EXPECT_EQ(out.Text(), "");
-    ShowLog(true, false);
-    record->ToLog();
-    ShowLog(false, false);
-    const std::string text = out.Text();
-    EXPECT_NE(text.find("[OrvDataSwingInfoModel::ToLog("), std::string::npos);
-    EXPECT_NE(
-        text.find("\n============= SwingInfo =============\nDistance unit: 0\nSwing distance: "
-                  "0.000000\n"),
-        std::string::npos);
-    EXPECT_NE(text.find("ClubReleaseRatio: 0\n=====================================\n\n"),
-              std::string::npos);
 }
 
 }  // namespace

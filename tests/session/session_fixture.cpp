@@ -1,63 +1,14 @@
 #include "tests/session/session_fixture.h"
 
-#include <dirent.h>
-
-#include <algorithm>
-
 #include "ble/virtual/virtual_stack.h"
 
 namespace orv::test {
 
 using namespace std::chrono_literals;
 
-void EventList::Add(std::string event) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    events_.push_back(std::move(event));
-}
-std::vector<std::string> EventList::Events() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return events_;
-}
-int EventList::Count(const std::string& event) const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return static_cast<int>(std::count(events_.begin(), events_.end(), event));
-}
-void EventList::Clear() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    events_.clear();
-}
-
-int EntriesIn(const char* folder) {
-    int count = 0;
-    if (DIR* dir = opendir(folder)) {
-        while (dirent* entry = readdir(dir)) {
-            count += entry->d_name[0] != '.';
-        }
-        closedir(dir);
-    }
-    return count;
-}
-
-Orvane::SessionTiming FastSessionTiming() {
-    Orvane::SessionTiming timing;
-    timing.connCheckInterval = 50ms;
-    timing.freshLinkLimit = 300ms;
-    timing.aliveLinkLimit = 1000ms;
-    timing.pingInterval = 60000ms;  // tests that want pings shorten it themselves
-    timing.lrSigDebounce = 100ms;
-    timing.backSwingWait = 50ms;
-    return timing;
-}
-
 SwingValues DriverSwing(double distance) {
-    SwingValues swing;
-    swing.headSpeed = 94.5;
-    swing.clubPath = -2.3;
-    swing.faceAngle = 1.4;
-    swing.tempo = 3.1;
-    swing.distance = distance;
-    swing.sensorSpeed = 30.0;
-    return swing;
+    // Head speed, path, face, tempo, distance, sensor speed.
+    return SwingValues{94.5, -2.3, 1.4, 3.1, distance, 30.0};
 }
 
 void SessionTest::SetUp() {
@@ -79,7 +30,12 @@ void SessionTest::SetUp() {
     };
     config.simulatorAddress = "127.0.0.1";
     config.simulatorPort = port;
-    config.timing = FastSessionTiming();
+    config.timing.connCheckInterval = 50ms;
+    config.timing.freshLinkLimit = 300ms;
+    config.timing.aliveLinkLimit = 1000ms;
+    config.timing.pingInterval = 60000ms;  // tests that want pings shorten it themselves
+    config.timing.lrSigDebounce = 100ms;
+    config.timing.backSwingWait = 50ms;
     config.gattTiming.tick = 50ms;
     config.gattTiming.discovery = 100ms;
     config.e6Timing.reconnectPause = 100ms;
@@ -96,11 +52,8 @@ void SessionTest::TearDown() {
 }
 
 void SessionTest::StartEmulator() {
-    orv::TruSimEmulatorOptions options;
-    options.bindAddress = "127.0.0.1";
-    options.port = port;
-    options.rearmDelay = emulatorRearmDelay;
-    emulator = std::make_unique<orv::TruSimEmulator>(options);
+    emulator = std::make_unique<orv::TruSimEmulator>(
+        orv::TruSimEmulatorOptions{"127.0.0.1", port, emulatorRearmDelay});
     ASSERT_TRUE(emulator->Start());
     port = emulator->Port();
 }

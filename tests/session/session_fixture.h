@@ -5,33 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "ble/virtual/sensor_frames.h"
 #include "ble/virtual/virtual_sensor.h"
 #include "session/orv_manager.h"
+#include "tests/common/event_list.h"
 #include "tests/support/test_support.h"
 #include "tools/trusim-emulator/trusim_emulator.h"
 
 namespace orv::test {
-
-// What a stand-in heard, in order; safe against the session's threads.
-class EventList {
-public:
-    std::vector<std::string> Events() const;
-    bool Saw(const std::string& event) const { return Count(event) > 0; }
-    int Count(const std::string& event) const;
-    void Clear();
-
-protected:
-    void Add(std::string event);
-
-private:
-    mutable std::mutex mutex_;  // guards events_
-    std::vector<std::string> events_;
-};
 
 // Records the session's UI callbacks.
 class UiRecorder : public Orvane::OrvManagerCallback, public EventList {
@@ -58,11 +42,6 @@ public:
     bool IsRecordingAvailable() const override { return true; }
     std::string CurrentClip() override { return "/clips/MyRecord3.mp4"; }
 };
-
-// Entries of a folder such as /proc/self/task or /proc/self/fd.
-int EntriesIn(const char* folder);
-
-Orvane::SessionTiming FastSessionTiming();
 
 class SessionTest : public ::testing::Test {
 protected:

@@ -48,7 +48,7 @@ protected:
     }
 };
 
-TEST_F(SessionRules, EchoLogsOnlyWhatItDoesNotKnow) {
+TEST_F(SessionRules, EchoLogsOnlyWhatItDoesNotKnowAndRawBlocksAreAskedForUntilTheLastOne) {
     const struct {
         uint8_t event, result;
         const char* line;  // null: no echo line at all
@@ -71,19 +71,15 @@ TEST_F(SessionRules, EchoLogsOnlyWhatItDoesNotKnow) {
             EXPECT_EQ(CountOf(text, row.line), 1u) << text;
         }
     }
-}
 
-TEST_F(SessionRules, RawBlocksAreAskedForUntilTheLastOne) {
-    StartManager();
-    ASSERT_TRUE(WaitReady());
     sensor->SetSilent(true);  // its own answers would be more raw blocks
     sensor->ClearWrittenFrames();
     LogCapture log;
-    SendAndSettle(RawBlockFrame({}, 1, 0, false), 61);
-    SendAndSettle(RawBlockFrame({}, 1, 1, false), 62);
+    SendAndSettle(RawBlockFrame({}, 1, 0, false), ++marker);
+    SendAndSettle(RawBlockFrame({}, 1, 1, false), ++marker);
     ASSERT_TRUE(Eventually([&] { return WrittenWithCode(ORV_COMMAND_RAW_DATA_REQ).size() == 2; }));
     EXPECT_EQ(WrittenWithCode(ORV_COMMAND_RAW_DATA_REQ)[0], (SensorFrame{0x15, 0x00, 0x15}));
-    SendAndSettle(RawBlockFrame({}, 1, 2, true), 63);
+    SendAndSettle(RawBlockFrame({}, 1, 2, true), ++marker);
     EXPECT_EQ(CountOf(log.Text(), "] Sensor raw data receiving finished.\n"), 1u);
     EXPECT_EQ(WrittenWithCode(ORV_COMMAND_RAW_DATA_REQ).size(), 2u);
 }

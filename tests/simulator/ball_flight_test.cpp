@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "common/debug_log.h"
 #include "common/user_depends_data.h"
@@ -24,9 +23,6 @@ protected:
     static void Reset() {
         gUserDependsData.swingLevel = 1;
         gUserDependsData.clubType = 1;
-        for (double& k : gUserDependsData.clubSpeedFactor) {
-            k = 1.0;
-        }
         gUserDependsData.launchAngleScale = 1.0;
         gUserDependsData.sideSpinScale = 1.0;
     }
@@ -98,44 +94,38 @@ TEST_F(BallFlight, LaunchAngleJumpsAtTheReferenceSpeed) {
 }
 
 TEST_F(BallFlight, SideSpinDampingAndDifficulty) {
-    gUserDependsData.swingLevel = 2;
-    const E6BallData strong = E6_MakeBallData(1, 1, 94.0, 11.0, 12.0, 0.0);
-    EXPECT_EQ(strong.SideSpin, -720.0000107288361);  // 0.2 x 12 x 300, negated
-    EXPECT_EQ(E6_MakeBallData(1, 1, 94.0, 6.0, 6.0, 0.0).SideSpin,
-              -(0.4000000059604645 * 6.0 * 1.5 * 200.0));
-    EXPECT_EQ(E6_MakeBallData(1, 1, 94.0, -11.0, -12.0, 0.0).SideSpin, 720.0000107288361);
-    EXPECT_EQ(E6_MakeBallData(1, 1, 94.0, -11.0, 12.0, 0.0).SideSpin, -3600.0);
-
-    gUserDependsData.swingLevel = 0;
-    const double none = E6_MakeBallData(1, 1, 94.0, 11.0, 12.0, 0.0).SideSpin;
-    EXPECT_EQ(none, 0.0);
-    EXPECT_TRUE(std::signbit(none));
-    gUserDependsData.swingLevel = 7;
-    EXPECT_EQ(E6_MakeBallData(1, 1, 94.0, 11.0, 12.0, 0.0).SideSpin, 0.0);
-
-    gUserDependsData.swingLevel = 2;
-    gUserDependsData.sideSpinScale = 10.0;
-    EXPECT_EQ(E6_MakeBallData(1, 1, 94.0, 0.0, 15.0, 0.0).SideSpin, -6000.0);
+    const struct {
+        int level;
+        double path, face, scale, sideSpin;
+    } rows[] = {
+        {2, 11.0, 12.0, 1.0, -720.0000107288361},  // 0.2f x 12 x 300, negated
+        {2, 6.0, 6.0, 1.0, -720.0000107288361},    // 0.4f x 6 x 1.5 x 200, negated
+        {2, -11.0, -12.0, 1.0, 720.0000107288361},
+        {2, -11.0, 12.0, 1.0, -3600.0},
+        {0, 11.0, 12.0, 1.0, -0.0},  // no side spin at level 0, but the sign stays
+        {7, 11.0, 12.0, 1.0, 0.0},   // any sign
+        {2, 0.0, 15.0, 10.0, -6000.0},
+    };
+    for (const auto& row : rows) {
+        gUserDependsData.swingLevel = row.level;
+        gUserDependsData.sideSpinScale = row.scale;
+        const double spin = E6_MakeBallData(1, 1, 94.0, row.path, row.face, 0.0).SideSpin;
+        EXPECT_EQ(spin, row.sideSpin) << row.level << " " << row.path << " " << row.face;
+        EXPECT_TRUE(std::signbit(spin) || !std::signbit(row.sideSpin)) << row.level;
+    }
 }
 
 TEST_F(BallFlight, BackSpinLoftStages) {
     const __club_value_table_st iron7 = OrvGetClubValueTable(8);
     const double base = 76.0 / iron7.refHeadSpeed * iron7.refBackSpin;
-    const struct {
-        double loft, factor;
-    } stages[] = {
-        {1.0, 0.949999988079071},
-        {1.04, 0.949999988079071},
-        {1.0499999523162842, 0.699999988079071},
-        {0.97, 0.8999999761581421},
-        {0.949999988079071, 0.8999999761581421},
-        {0.92, 0.8500000238418579},
-        {0.87, 0.800000011920929},
-        {0.5, 0.699999988079071},
-    };
-    for (const auto& stage : stages) {
-        EXPECT_EQ(OrvGetBackSpin(iron7, 76.0, 0.0, stage.loft), base * stage.factor * stage.loft)
-            << stage.loft;
+    // Loft ratio -> factor, at and around the stage bounds (floats widened).
+    const std::pair<double, double> stages[] = {
+        {1.04, 0.949999988079071},  {1.0499999523162842, 0.699999988079071},
+        {0.97, 0.8999999761581421}, {0.949999988079071, 0.8999999761581421},
+        {0.92, 0.8500000238418579}, {0.87, 0.800000011920929},
+        {0.5, 0.699999988079071}};
+    for (const auto& [loft, factor] : stages) {
+        EXPECT_EQ(OrvGetBackSpin(iron7, 76.0, 0.0, loft), base * factor * loft) << loft;
     }
     // Woods, driver, putter and 4 hybrid have no loft stage.
     EXPECT_EQ(OrvGetBackSpin(OrvGetClubValueTable(1), 94.0, 0.0, 0.5), 2600.0);

@@ -7,18 +7,6 @@
 
 namespace {
 
-TEST(ClubTables, SensitivityScaleByClubGroupAndLevel) {
-    const std::pair<int, float> rows[] = {
-        {4, 8}, {17, 8}, {5, 4}, {10, 4}, {13, 2}, {14, 1.3f}, {15, 0.6f},
-    };
-    for (const auto& [club, scale] : rows) {
-        const __swing_sensitivity_st row = OrvGetClubSensitivity(club);
-        EXPECT_EQ(row.club, club);
-        EXPECT_EQ(row.scale[1], scale) << club;
-        EXPECT_EQ(row.scale[2], club == 15 ? 0.4f : 1.15f) << club;
-    }
-}
-
 TEST(ClubTables, UnknownCodesYieldZeroRowsAndGrowTheTablesFromManyThreads) {
     const size_t values = gClubValueTable.size();
     const size_t sensitivities = gClubSensitivityTable.size();
@@ -47,17 +35,19 @@ TEST(ClubTables, ClubSelectCommandTakesTheRowOfItsClubAndLevel) {
     const struct {
         int club, level, low, high;
         float factor;
-    } rows[] = {
-        {1, 0, -150, 100, 16}, {15, 2, -15, 10, 0.4f},
-        {7, 1, -70, 50, 4},    {7, 5, -15, 10, 1.15f},  // levels outside 0..2 take the nearest one
-        {7, -1, -150, 100, 8},
-    };
+    } rows[] = {{1, 0, -150, 100, 16},
+                {15, 2, -15, 10, 0.4f},
+                {7, 1, -70, 50, 4},
+                // Levels outside 0..2 take the nearest one.
+                {7, 5, -15, 10, 1.15f},
+                {7, -1, -150, 100, 8}};
     for (const auto& row : rows) {
         const OrvCmdManualClubSelectModel command = MakeClubSelectCommand(row.club, row.level);
+        SCOPED_TRACE(testing::Message() << row.club << " level " << row.level);
         EXPECT_EQ(command.club, row.club);
-        EXPECT_EQ(command.value1, row.low) << row.club << " level " << row.level;
-        EXPECT_EQ(command.value2, row.high) << row.club << " level " << row.level;
-        EXPECT_EQ(command.factor, row.factor) << row.club << " level " << row.level;
+        EXPECT_EQ(command.value1, row.low);
+        EXPECT_EQ(command.value2, row.high);
+        EXPECT_EQ(command.factor, row.factor);
         EXPECT_EQ(command.value3, 1000);
         EXPECT_EQ(command.value4, 2200);
     }

@@ -26,6 +26,7 @@ TEST(ClientHandlers, EachMessageGivesItsNotificationsStateAndLogLine) {
         unsigned club = 0;
         bool listening = true;
     } rows[] = {
+        // clang-format off
         {R"({"Kind":"ACK"})", false, {}, "[E6] << {\"Kind\":\"ACK\"}\n"},
         {R"({"Type":"Unknown"})", false, {}},
         {R"({"Type":"ack"})", false, {}},  // case matters
@@ -48,33 +49,22 @@ TEST(ClientHandlers, EachMessageGivesItsNotificationsStateAndLogLine) {
         // Any other command passes the unchanged state on; none at all passes nothing.
         {R"({"Type":"SimCommand","Command":"arm"})", true, {"arm:1"}},
         {R"({"Type":"SimCommand"})", true, {}},
-        {R"({"Type":"Warning","OutOfRange":"c","Other":"x","SetDataIgnored":"a"})",
-         true,
+        {R"({"Type":"Warning","OutOfRange":"c","Other":"x","SetDataIgnored":"a"})", true,
          {"warning:a", "warning:c"}},
         {R"({"Type":"DataModified","PlayerData":{"Club":"sandwedge","Handed":"Left",)"
          R"("OnTheTee":"True","Extra":[1]},"EnvironmentData":{"SurfaceCAT":"Green"}})",
-         true,
-         {"environment:0,Green", "player:,0,Left,13,0,0,1"},
-         nullptr,
-         kDisarmed,
-         13},
+         true, {"environment:0,Green", "player:,0,Left,13,0,0,1"}, nullptr, kDisarmed, 13},
         // Missing members keep their defaults; an unknown club name gives 0.
         {R"({"Type":"DataModified","PlayerData":{"Club":"Spoon"}})", true, {"player:,0,,0,0,0,0"}},
         // A member of the wrong type drops the record, logged under the handler's name.
-        {R"({"Type":"DataModified","PlayerData":{"Club":"Driver","Handicap":"x"}})",
-         true,
-         {},
+        {R"({"Type":"DataModified","PlayerData":{"Club":"Driver","Handicap":"x"}})", true, {},
          "[E6TruSimClient::HandlePlayerData("},
         // Nobody to tell: data is not taken in, warnings are not understood.
-        {R"({"Type":"DataModified","PlayerData":{"Club":"Driver"}})",
-         true,
-         {},
-         nullptr,
-         kDisarmed,
-         0,
+        {R"({"Type":"DataModified","PlayerData":{"Club":"Driver"}})", true, {}, 0, kDisarmed, 0,
          false},
-        {R"({"Type":"Warning","ShotFailed":"x"})", false, {}, nullptr, kDisarmed, 0, false},
-        {R"({"Type":"SimCommand","Command":"Arm"})", true, {}, nullptr, kArmed, 0, false},
+        {R"({"Type":"Warning","ShotFailed":"x"})", false, {}, 0, kDisarmed, 0, false},
+        {R"({"Type":"SimCommand","Command":"Arm"})", true, {}, 0, kArmed, 0, false},
+        // clang-format on
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -111,7 +101,7 @@ TEST(ClientHandlers, PlayerDataOnTheCallingThreadAndDisconnectForgetsTheSessionV
         R"("BallPosition":{"x":1.5,"y":"2","z":-3}}})"));
     // Synchronous: recorded before HandleRecvMsg returned, on this thread.
     EXPECT_EQ(listener.Of("player:"), Events{"player:Ann,7,,0,4.5,0.25,0"});
-    EXPECT_EQ(listener.PlayerThread(), std::this_thread::get_id());
+    EXPECT_EQ(listener.playerThread.load(), std::this_thread::get_id());
     EXPECT_EQ(client.GetDistanceToPin(), 123.5);
     EXPECT_EQ(client.GetBallPosition().x, 1.5);
     EXPECT_EQ(client.GetBallPosition().y, 0.0);  // not a number: ignored

@@ -19,22 +19,13 @@ TEST(TruSimMessages, FixedTextsAndTheChallengeWithItsOddSpacing) {
 }
 
 TEST(TruSimMessages, ShotRecordsWithThreeDecimalsAndTheTab) {
-    E6BallData ball;
-    ball.BackSpin = 2600.0;
-    ball.BallSpeed = 41.25;
-    ball.LaunchAngle = 11.87999980866909;
-    ball.LaunchDirection = -2.0005;
-    ball.SideSpin = -350.0;
-    EXPECT_EQ(E6_GetBallDataJson(ball),
+    // Launch angle, direction, ball speed, back spin, side spin.
+    EXPECT_EQ(E6_GetBallDataJson(E6BallData{11.87999980866909, -2.0005, 41.25, 2600.0, -350.0}),
               "{\"Type\":\"SetBallData\",\"BallData\":{\"BackSpin\":2600.000, "
               "\"BallSpeed\":41.250,\t\"LaunchAngle\":11.880, \"LaunchDirection\":-2.001, "
               "\"SideSpin\":-350.000}}");
 
-    E6ClubData club;
-    club.ClubHeadSpeed = 94.0;
-    club.ClubAngleFace = -0.0004;
-    club.ClubAnglePath = 15.0;
-    EXPECT_EQ(E6_GetClubDataJson(club),
+    EXPECT_EQ(E6_GetClubDataJson(E6ClubData{94.0, -0.0004, 15.0}),  // speed, face, path
               "{\"Type\":\"SetClubData\",\"ClubData\":{\"ClubAngleFace\":-0.000, "
               "\"ClubAnglePath\":15.000, \"ClubHeadSpeed\":94.000}}");
 
@@ -46,21 +37,14 @@ TEST(TruSimMessages, ShotRecordsWithThreeDecimalsAndTheTab) {
               "\"TeedUp\":\"false\"}}");
 
     // Too long for the 1024-byte buffer: nothing rather than a cut message.
-    ball = E6BallData{1e300, 1e300, 1e300, 1e300, 1e300};
-    EXPECT_EQ(E6_GetBallDataJson(ball), "");
+    EXPECT_EQ(E6_GetBallDataJson(E6BallData{1e300, 1e300, 1e300, 1e300, 1e300}), "");
 }
 
 TEST(TruSimMessages, ClubTypeNamesWedgeRenamesAndUnknownCodes) {
+    // The lookup takes the low byte, the wedges' rename the full value.
     const std::pair<int, const char*> rows[] = {
-        {1, "Driver"},
-        {16, "3Iron"},
-        {15, "Putter"},
-        {11, "PWedge"},
-        {12, "GWedge"},
-        {13, "SWedge"},
-        {14, "LWedge"},
-        {256 + 11, "PitchingWedge"},  // the lookup takes the low byte, the rename the full value
-    };
+        {1, "Driver"},  {16, "3Iron"},  {15, "Putter"}, {11, "PWedge"},
+        {12, "GWedge"}, {13, "SWedge"}, {14, "LWedge"}, {256 + 11, "PitchingWedge"}};
     for (const auto& [club, name] : rows) {
         EXPECT_EQ(E6_GetClubTypeJson(club),
                   std::string("{\"Type\":\"SetClubType\",\"ClubType\":\"") + name + "\"}");
@@ -73,18 +57,26 @@ TEST(TruSimMessages, ClubTypeNamesWedgeRenamesAndUnknownCodes) {
     EXPECT_EQ(orv::test::CountOf(log.Text(), "Unknown club: 0\n"), 1u);
 }
 
-TEST(TruSimMessages, ClubRing) {
-    const int ring[] = {1, 2, 3, 16, 5, 6, 7, 8, 9, 10, 11, 13, 14, 15};
-    for (int i = 0; i < 14; ++i) {
-        EXPECT_EQ(E6_GetClubWithAddedCount(ring[i], 1), ring[(i + 1) % 14]) << ring[i];
-        EXPECT_EQ(E6_GetClubWithAddedCount(ring[i], -1), ring[(i + 13) % 14]) << ring[i];
-        EXPECT_EQ(E6_GetClubWithAddedCount(ring[i], -28), ring[i]);
+TEST(TruSimMessages, ClubRingSkipsTheSensorOnlyClubsAndWraps) {
+    // {club, steps, club after}: the ring runs 1 2 3 16 5 .. 11 13 14 15.
+    const int rows[][3] = {{1, 1, 2},
+                           {3, 1, 16},
+                           {16, 1, 5},
+                           {11, 1, 13},
+                           {15, 1, 1},
+                           {1, -1, 15},
+                           {5, -1, 16},
+                           {13, -1, 11},
+                           {7, -28, 7},
+                           {1, 4, 5},
+                           // Codes outside the ring count from its head.
+                           {12, 1, 2},
+                           {4, 0, 1},
+                           {17, -2, 14},
+                           {1, 2147483647, 2}};
+    for (const auto& [club, steps, after] : rows) {
+        EXPECT_EQ(E6_GetClubWithAddedCount(club, steps), after) << club << " " << steps;
     }
-    // Codes outside the ring count from its head.
-    EXPECT_EQ(E6_GetClubWithAddedCount(12, 1), 2);
-    EXPECT_EQ(E6_GetClubWithAddedCount(4, 0), 1);
-    EXPECT_EQ(E6_GetClubWithAddedCount(17, -2), 14);
-    EXPECT_EQ(E6_GetClubWithAddedCount(1, 2147483647), 2);  // 2147483647 % 14 == 1
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // What the stand-in simulator accepts from the wire, and what the link does
-// with a simulator that stops reading.
+// with a simulator that stops reading or never answers.
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -9,6 +9,8 @@
 #include <chrono>
 #include <initializer_list>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "simulator/e6_trusim_client.h"
 #include "tests/simulator/recording_listener.h"
@@ -30,15 +32,24 @@ const std::string kMisc =
     R"({"Type":"SetMiscData", "MiscData":{"TeeHeight":0.200, "TeeType":0, "TeedUp":"true"}})";
 const std::string kSendShot = R"({"Type":"SendShot"})";
 
+// A loopback socket that listens and never accepts; its port goes to `port`.
+int NeverAccepting(int backlog, uint16_t* port) {
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
+    socklen_t length = sizeof address;
+    EXPECT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&address), length), 0);
+    EXPECT_EQ(::listen(fd, backlog), 0);
+    EXPECT_EQ(::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    *port = ntohs(address.sin_port);
+    return fd;
+}
+
 std::string Replaced(std::string text, const std::string& from, const std::string& to) {
     return text.replace(text.find(from), from.size(), to);
 }
 
 TEST(StrictSimulator, RefusesEveryInexactTextAndNeverRecordsAShotFromIt) {
-    orv::TruSimEmulatorOptions options;
-    options.bindAddress = "127.0.0.1";
-    options.port = 0;
-    orv::TruSimEmulator emulator(options);
+    orv::TruSimEmulator emulator({"127.0.0.1", 0});
     ASSERT_TRUE(emulator.Start());
     emulator.SetAnswerHandshake(false);
     E6TruSimClient client;
@@ -84,14 +95,9 @@ TEST(StrictSimulator, RefusesEveryInexactTextAndNeverRecordsAShotFromIt) {
 }
 
 TEST(StalledSimulator, SendThatCannotFinishInTimeIsASendErrorAndTheLinkReopens) {
-    // Listening but never accepting: the kernel takes the connections and
-    // some bytes, and nothing is ever read.
-    const int simulator = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
-    socklen_t length = sizeof address;
-    ASSERT_EQ(::bind(simulator, reinterpret_cast<sockaddr*>(&address), length), 0);
-    ASSERT_EQ(::listen(simulator, 4), 0);
-    ASSERT_EQ(::getsockname(simulator, reinterpret_cast<sockaddr*>(&address), &length), 0);
+    // The kernel takes the connections and some bytes, and nothing is ever read.
+    uint16_t port = 0;
+    const int simulator = NeverAccepting(4, &port);
     orv::test::RecordingListener listener;
     E6TruSimClient client;
     client.SetCallback(&listener);
@@ -100,7 +106,7 @@ TEST(StalledSimulator, SendThatCannotFinishInTimeIsASendErrorAndTheLinkReopens) 
     timing.reconnectPause = 50ms;
     client.SetTiming(timing);
     orv::test::LogCapture log;
-    client.Init("127.0.0.1", ntohs(address.sin_port));
+    client.Init("127.0.0.1", port);
     ASSERT_TRUE(Eventually([&] { return client.IsConnected(); }));
 
     const std::string large(1 << 20, 'x');
@@ -113,6 +119,34 @@ TEST(StalledSimulator, SendThatCannotFinishInTimeIsASendErrorAndTheLinkReopens) 
     EXPECT_EQ(orv::test::CountOf(log.Text(), ")] send() failed: "), 1u);
     EXPECT_TRUE(Eventually([&] { return listener.Count("connect") == 2; }));
     client.Stop();
+    ::close(simulator);
+}
+
+TEST(UnansweredSimulator, ConnectStillUnderWayDoesNotHoldUpStop) {
+    // A full accept queue drops further SYNs: the client's connect hangs.
+    uint16_t port = 0;
+    const int simulator = NeverAccepting(0, &port);
+    sockaddr_in address{AF_INET, htons(port), {htonl(INADDR_LOOPBACK)}, {}};
+    std::vector<int> fillers;
+    for (int i = 0; i < 2; ++i) {
+        fillers.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+        ::connect(fillers.back(), reinterpret_cast<sockaddr*>(&address), sizeof address);
+    }
+    orv::test::RecordingListener listener;
+    E6TruSimClient client;
+    client.SetCallback(&listener);
+    client.Init("127.0.0.1", port);
+    std::this_thread::sleep_for(300ms);
+    // Still connecting: the socket exists, the link does not.
+    EXPECT_TRUE(client.IsSocketOpen());
+    EXPECT_EQ(listener.Count("connect"), 0);
+    const auto before = std::chrono::steady_clock::now();
+    client.Stop();
+    // Well inside the 3 s a connect may take.
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 1500ms);
+    for (int fd : fillers) {
+        ::close(fd);
+    }
     ::close(simulator);
 }
 
