@@ -166,7 +166,8 @@ TEST_F(MainDlgTest, ShotForAClubTheSimulatorCannotNameIsToldUnderTheLastShot) {
 TEST_F(MainDlgKeysTest, QuitQuestionByKeysAndClosingCancelsASilentVersionCheck) {
     // Takes the connection and never starts TLS: without a cancel the window
     // would stay until the connect time-out.
-    MuteServer mute;
+    HttpsTestServer mute;
+    mute.Serve("", HttpsTestServer::Behaviour::kMute);
     options.checkVersion = true;
     options.versionCheck.host = "127.0.0.1";
     options.versionCheck.port = mute.port();
@@ -177,7 +178,7 @@ TEST_F(MainDlgKeysTest, QuitQuestionByKeysAndClosingCancelsASilentVersionCheck) 
     const int threadsBefore = ThreadCount(ours);
     const auto opened = std::chrono::steady_clock::now();
     Open();
-    ASSERT_TRUE(Eventually([&] { return mute.Accept(); }));
+    ASSERT_TRUE(Eventually([&] { return mute.Connected(); }));
     ASSERT_TRUE(SensorUp());
 
     // The main window itself ignores both keys; its question answers to them.
