@@ -5,10 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <QProcess>
 
 #include "common/debug_log.h"
 #include "tests/support/file_text.h"
@@ -84,24 +81,15 @@ TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindowAndRecordsAPlayableClip) {
 
 TEST_F(CaptureTest, ClipOfAKilledProgramPlaysUpToItsLastSecond) {
     const std::string path = Clip("killed.mp4");
-    int out[2];
-    ASSERT_EQ(pipe(out), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(out[1], STDOUT_FILENO);
-        execl(RECORD_CHILD_PATH, RECORD_CHILD_PATH, path.c_str(), static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    close(out[1]);
-    char said[16] = {};
-    ASSERT_GT(read(out[0], said, sizeof said - 1), 0);
-    close(out[0]);
-    EXPECT_STREQ(said, "recording\n");
+    QProcess child;
+    child.start(RECORD_CHILD_PATH, {QString::fromStdString(path)});
+    ASSERT_TRUE(child.waitForReadyRead(10000));
+    EXPECT_EQ(child.readAllStandardOutput(), "recording\n");
     // Three complete one-second fragments on disk, then the program dies.
     EXPECT_TRUE(orv::test::Eventually(
         [&] { return CountOf(orv::test::ReadFileText(path), "moof") >= 3; }, 10s));
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    child.kill();
+    ASSERT_TRUE(child.waitForFinished(5000));
     const orv::test::DecodeResult decoded = orv::test::DecodeVideo(path);
     EXPECT_TRUE(decoded.ok);
     EXPECT_GE(decoded.lastSeconds, 1.9);

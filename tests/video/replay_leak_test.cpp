@@ -63,7 +63,8 @@ TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
         ASSERT_TRUE(player->Create());
         ASSERT_TRUE(player->OpenURL(clip));
         if (i % 2 == 1) {
-            ASSERT_TRUE(ProcessEventsUntil([&] { return player->State() == PlayerState::Started; }));
+            ASSERT_TRUE(
+                ProcessEventsUntil([&] { return player->State() == PlayerState::Started; }));
             player->Close();
         }
         ASSERT_TRUE(ProcessEventsUntil([&] { return !player->HasPlayer(); }));
