@@ -100,6 +100,7 @@ protected:
 using MainDlgKeysTest = MainDlgTest;
 
 TEST_F(MainDlgTest, OpensWithTheSettingsShowsTheLinksAndShotsAndSaves) {
+    emulator->SetClub("NoSuchClub");  // until it names one the program knows
     Open(
         "; kept across saves\n[Golf]\nSwingLevel=2\nSwingSensitivity=0\nClubType=1\n"
         "HideShotResult=1\n[Sound]\nEffect=0\n[Camera]\nShowPreview=0\nRecording=1\n");
@@ -124,10 +125,25 @@ TEST_F(MainDlgTest, OpensWithTheSettingsShowsTheLinksAndShotsAndSaves) {
     EXPECT_EQ(Control().lbOrvaneConn->TextColor(), OrvaneWinUI::kConnectedColor);
     EXPECT_EQ(Control().lbFwVer->text(), "1.2.0");
 
+    ASSERT_TRUE(ProcessEventsUntil([&] {
+        E6TruSimClient* client = Orvane::OrvManager::GetInstance()->GetE6();
+        return client != nullptr && client->IsAuthenticated() && client->GetArmState() == 0;
+    }));
     sensor->TriggerSwing(DriverSwing());
+    EXPECT_TRUE(ProcessEventsUntil([&] {
+        return Control().shotPanel->NoticeText() ==
+               "Shot not sent: the simulator named no known club";
+    }));
+
+    emulator->SetClub("Driver");
+    ASSERT_TRUE(emulator->SendPlayerData());
+    ASSERT_TRUE(ProcessEventsUntil(
+        [&] { return Orvane::OrvManager::GetInstance()->GetE6()->GetCurrentClub() != 0; }));
+    sensor->TriggerSwing(DriverSwing());
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    EXPECT_EQ(emulator->Shots().size(), 1u);  // the refused one never went
     ASSERT_TRUE(ProcessEventsUntil([&] { return Control().shotPanel->HasShot(); }));
     EXPECT_EQ(Control().shotPanel->ClubText(), "Driver");
-    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
     ASSERT_TRUE(ProcessEventsUntil([&] {
         return Control().lbBattery->text() == QStringLiteral("%1%").arg(sensor->Battery());
     }));
@@ -145,22 +161,6 @@ TEST_F(MainDlgTest, OpensWithTheSettingsShowsTheLinksAndShotsAndSaves) {
     emulator->Stop();
     ASSERT_TRUE(ProcessEventsUntil([&] { return Control().lbE6Conn->text() == Res(177); }));
     EXPECT_EQ(Control().lbE6Conn->TextColor(), OrvaneWinUI::kDisconnectedColor);
-}
-
-TEST_F(MainDlgTest, ShotForAClubTheSimulatorCannotNameIsToldUnderTheLastShot) {
-    emulator->SetClub("NoSuchClub");
-    Open();
-    ASSERT_TRUE(SensorUp());
-    ASSERT_TRUE(ProcessEventsUntil([&] {
-        E6TruSimClient* client = Orvane::OrvManager::GetInstance()->GetE6();
-        return client != nullptr && client->IsAuthenticated() && client->GetArmState() == 0;
-    }));
-    sensor->TriggerSwing(DriverSwing());
-    EXPECT_TRUE(ProcessEventsUntil([&] {
-        return Control().shotPanel->NoticeText() ==
-               "Shot not sent: the simulator named no known club";
-    }));
-    EXPECT_TRUE(emulator->Shots().empty());
 }
 
 TEST_F(MainDlgKeysTest, QuitQuestionByKeysAndClosingCancelsASilentVersionCheck) {
