@@ -56,6 +56,8 @@ TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheChe
     HttpsTestServer server;
     ASSERT_TRUE(server.ok());
     using B = HttpsTestServer::Behaviour;
+    constexpr auto kOk = VersionCheckStatus::kOk;
+    constexpr auto kBad = VersionCheckStatus::kBadAnswer;
     struct Case {
         std::string running, body;
         B behaviour;
@@ -63,15 +65,13 @@ TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheChe
         bool offer;
     };
     const Case cases[] = {
-        {"0.9.0", Answer("1.0.0"), B::kAnswer, VersionCheckStatus::kOk, true},
-        {"1.2", Answer("1.2.0"), B::kAnswer, VersionCheckStatus::kOk, false},
-        {"2.0.0", Answer("1.0.0"), B::kAnswer, VersionCheckStatus::kOk, false},
-        {"1.0.0", "<html>Service unavailable</html>", B::kAnswer, VersionCheckStatus::kBadAnswer,
-         false},
-        {"1.0.0", R"({"data":{"app_ver":"9.9.9"}})", B::kAnswer, VersionCheckStatus::kBadAnswer,
-         false},
-        {"1.0.0", R"({"data":[1,2]})", B::kAnswer, VersionCheckStatus::kBadAnswer, false},
-        {"1.0.0", "", B::kAnswer, VersionCheckStatus::kBadAnswer, false},
+        {"0.9.0", Answer("1.0.0"), B::kAnswer, kOk, true},
+        {"1.2", Answer("1.2.0"), B::kAnswer, kOk, false},
+        {"2.0.0", Answer("1.0.0"), B::kAnswer, kOk, false},
+        {"1.0.0", "<html>Service unavailable</html>", B::kAnswer, kBad, false},
+        {"1.0.0", R"({"data":{"app_ver":"9.9.9"}})", B::kAnswer, kBad, false},
+        {"1.0.0", R"({"data":[1,2]})", B::kAnswer, kBad, false},
+        {"1.0.0", "", B::kAnswer, kBad, false},
         // Half the body, then silence: cut off by the time limit.
         {"1.0.0", Answer("9.9.9"), B::kStall, VersionCheckStatus::kNoAnswer, false},
         // No TLS handshake: cut off by the connect time-out.
@@ -93,12 +93,12 @@ TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheChe
         EXPECT_EQ(result.status, c.status);
         EXPECT_EQ(orv::ShouldOfferAppUpdate(result), c.offer);
         const std::string text = log.Text();
-        if (c.status == VersionCheckStatus::kBadAnswer) {
+        if (c.status == kBad) {
             EXPECT_TRUE(result.latest.latestAppVersion.empty());
             EXPECT_NE(text.find("!!! ERROR ["), std::string::npos) << text;
             EXPECT_NE(text.find("[json.exception."), std::string::npos) << text;
         }
-        if (c.status != VersionCheckStatus::kOk) {
+        if (c.status != kOk) {
             EXPECT_EQ(text.find("App ver:"), std::string::npos) << text;
             continue;
         }
