@@ -7,7 +7,6 @@
 #include <map>
 #include <string>
 
-#include "tests/support/test_support.h"
 #include "tests/video/video_test_support.h"
 #include "video/player_wnd.h"
 
