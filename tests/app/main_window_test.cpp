@@ -106,19 +106,14 @@ TEST_F(MainDlgTest, OpensWithTheSettingsShowsTheLinksAndShotsAndSaves) {
         "HideShotResult=1\n[Sound]\nEffect=0\n[Camera]\nShowPreview=0\nRecording=1\n");
     EXPECT_EQ(dialog->size(), QSize(1040, 680));
     EXPECT_EQ(dialog->windowTitle(), "OrvaneWin");
-    struct Group {
-        OrvaneWinUI::RadioGroup* group;
-        int selected;
-    };
-    for (const Group& g : {Group{Control().radioGroupSwingLv, 2},
-                           {Control().radioGroupSwingSens, 0},
-                           {Control().radioGroupClub, 1},
-                           {Control().radioGroupEffect, 1},
-                           {Control().radioGroupShowShotResult, 1},
-                           {Control().radioGroupCameraPreview, 1},
-                           {Control().radioGroupSwingRecord, 0}}) {
-        EXPECT_EQ(g.group->SelectedIndex(), g.selected) << g.group->Title().toStdString();
+    std::vector<int> selected;
+    for (const OrvaneWinUI::RadioGroup* group :
+         {Control().radioGroupSwingLv, Control().radioGroupSwingSens, Control().radioGroupClub,
+          Control().radioGroupEffect, Control().radioGroupShowShotResult,
+          Control().radioGroupCameraPreview, Control().radioGroupSwingRecord}) {
+        selected.push_back(group->SelectedIndex());
     }
+    EXPECT_EQ(selected, (std::vector<int>{2, 0, 1, 1, 1, 1, 0}));
     ASSERT_TRUE(ProcessEventsUntil([&] { return Control().lbE6Conn->text() == Res(176); }));
     ASSERT_TRUE(SensorUp());
     EXPECT_EQ(Control().lbE6Conn->TextColor(), OrvaneWinUI::kConnectedColor);
@@ -126,7 +121,7 @@ TEST_F(MainDlgTest, OpensWithTheSettingsShowsTheLinksAndShotsAndSaves) {
     EXPECT_EQ(Control().lbFwVer->text(), "1.2.0");
 
     ASSERT_TRUE(ProcessEventsUntil([&] {
-        E6TruSimClient* client = Orvane::OrvManager::GetInstance()->GetE6();
+        const E6TruSimClient* client = Orvane::OrvManager::GetInstance()->GetE6();
         return client != nullptr && client->IsAuthenticated() && client->GetArmState() == 0;
     }));
     sensor->TriggerSwing(DriverSwing());
