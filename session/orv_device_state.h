@@ -16,9 +16,10 @@ struct OrvDeviceState {
     std::atomic<uint32_t> battery{0};
     std::atomic<bool> lrSigPending{false};
     std::atomic<int32_t> lrSigCount{0};
-    std::atomic<int32_t> hands{0};              // last handedness sent to the sensor
-    std::atomic<bool> shotPending{false};       // a shot went to the simulator, not yet disarmed
-    std::atomic<bool> recordingStarted{false};  // this swing's clip was started
+    std::atomic<int32_t> hands{0};         // last handedness sent to the sensor
+    std::atomic<bool> shotPending{false};  // a shot went to the simulator, not yet disarmed
+    // The one recording-requested flag: set when the clip starts, cleared when it is shown.
+    std::atomic<bool> recordingStarted{false};
 
     std::string GetFwVersion() const {
         std::lock_guard<std::mutex> lock(fwVersionMutex);

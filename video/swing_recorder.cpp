@@ -66,7 +66,6 @@ bool SwingRecorder::StartRecording() {
         return false;
     }
     LOG_INFO_AS(kStartTag, "StartRecording success\n");
-    recordingRequested_ = true;
     lastRecordingFile_ = path;
     return true;
 }
@@ -125,7 +124,6 @@ void SwingRecorder::ShowRecordingFile() {
     std::string path;
     {
         std::lock_guard lock(mutex_);
-        recordingRequested_ = false;
         path = lastRecordingFile_;
     }
     LOG_INFO_AS(kShowTag, "Show Recording File...\n");
@@ -156,11 +154,6 @@ void SwingRecorder::ClosePlayer() {
 std::string SwingRecorder::LastRecordingFile() {
     std::lock_guard lock(mutex_);
     return lastRecordingFile_;
-}
-
-bool SwingRecorder::RecordingRequested() {
-    std::lock_guard lock(mutex_);
-    return recordingRequested_;
 }
 
 }  // namespace Orvane

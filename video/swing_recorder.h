@@ -38,8 +38,6 @@ public:
 
     // The path of the last recording that started; empty after a failed start.
     std::string LastRecordingFile();
-    // Set when a recording starts, cleared when it is shown.
-    bool RecordingRequested();
 
 private:
     struct DelayedStop {
@@ -55,11 +53,10 @@ private:
     CaptureManager* const capture_;
     const std::function<bool()> recordingEnabled_;
 
-    // Guards the ring counter, the last file and the requested flag.
+    // Guards the ring counter and the last file.
     std::mutex mutex_;
     int recordCounter_ = 0;
     std::string lastRecordingFile_;
-    bool recordingRequested_ = false;
 
     // Guards the delayed stops and the shutdown flag.
     std::mutex stopsMutex_;
