@@ -14,7 +14,6 @@
 #include <filesystem>
 #include <thread>
 
-#include "common/debug_log.h"
 #include "tests/support/file_text.h"
 #include "tests/video/video_test_support.h"
 #include "video/player_wnd.h"
@@ -34,8 +33,7 @@ double SecondsSince(Clock::time_point start) {
 }
 
 struct CaptureTest : orv::test::GuiTest {
-    CaptureTest() { ShowLog(true, false); }
-    ~CaptureTest() override { ShowLog(false, false); }
+    orv::test::LogCapture out;  // before anything that logs
 
     std::string Clip(const std::string& name) const { return (dir.path() / name).string(); }
 
@@ -67,7 +65,6 @@ struct SwingRecorderTest : CaptureTest {
 };
 
 TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindowAndRecordsAPlayableClip) {
-    orv::test::StdoutCapture out;
     PreviewWnd preview(orv::test::TestSources());
     ASSERT_TRUE(preview.Create(nullptr));
     ASSERT_TRUE(preview.StartPreview(kShowWindow));
@@ -147,7 +144,6 @@ TEST_F(CaptureTest, ReleasingLeavesNoThreadBehind) {
 }
 
 TEST_F(SwingRecorderTest, ElevenSwingsRotateTheRingAndOverwriteTheFirstFile) {
-    orv::test::StdoutCapture out;
     std::filesystem::file_time_type firstWritten;
     for (int swing = 0; swing < 11; ++swing) {
         const Clock::time_point start = Clock::now();
@@ -176,7 +172,6 @@ TEST_F(SwingRecorderTest, ElevenSwingsRotateTheRingAndOverwriteTheFirstFile) {
 }
 
 TEST_F(SwingRecorderTest, DelayedStopLetsTheClipRunTwoMoreSeconds) {
-    orv::test::StdoutCapture out;
     const Clock::time_point start = Clock::now();
     ASSERT_TRUE(recorder->StartRecording());
     recorder->StopRecording(2);
@@ -211,7 +206,6 @@ TEST_F(SwingRecorderTest, ShowsTheLastClipFromASessionThread) {
     ASSERT_TRUE(recorder->StartRecording());
     PumpFor(1000ms);
     recorder->StopRecording(0);
-    orv::test::StdoutCapture out;
     std::atomic<bool> shown{false};
     std::thread session([&] {
         recorder->ShowRecordingFile();
