@@ -53,30 +53,26 @@ TEST_F(UiControl, ButtonsAndCheckImagesSignal) {
 }
 
 TEST_F(UiControl, RadioGroupsKeepTheirIndex) {
-    struct Case {
-        RadioGroup* group;
-        int count;
-    };
-    for (const Case& c :
-         {Case{control.radioGroupSwingLv, 3}, Case{control.radioGroupSwingSens, 3},
-          Case{control.radioGroupEffect, 2}, Case{control.radioGroupClub, 2},
-          Case{control.radioGroupShowShotResult, 2}, Case{control.radioGroupCameraPreview, 2},
-          Case{control.radioGroupSwingRecord, 2}}) {
-        ASSERT_NE(c.group, nullptr);
-        SCOPED_TRACE(c.group->Title().toStdString());
-        ASSERT_EQ(c.group->Count(), c.count);
-        QSignalSpy clicked(c.group, &RadioGroup::ChoiceClicked);
-        EXPECT_TRUE(c.group->SetSelectedIndex(1));
-        EXPECT_FALSE(c.group->SetSelectedIndex(c.count));
-        EXPECT_FALSE(c.group->SetSelectedIndex(-1));
-        EXPECT_EQ(c.group->SelectedIndex(), 1);
+    std::vector<int> counts;
+    for (RadioGroup* group :
+         {control.radioGroupSwingLv, control.radioGroupSwingSens, control.radioGroupEffect,
+          control.radioGroupClub, control.radioGroupShowShotResult, control.radioGroupCameraPreview,
+          control.radioGroupSwingRecord}) {
+        SCOPED_TRACE(group->Title().toStdString());
+        counts.push_back(group->Count());
+        QSignalSpy clicked(group, &RadioGroup::ChoiceClicked);
+        EXPECT_TRUE(group->SetSelectedIndex(1));
+        EXPECT_FALSE(group->SetSelectedIndex(group->Count()));
+        EXPECT_FALSE(group->SetSelectedIndex(-1));
+        EXPECT_EQ(group->SelectedIndex(), 1);
         EXPECT_EQ(clicked.count(), 0);  // setting is not clicking
 
-        QTest::mouseClick(c.group->Choice(0), Qt::LeftButton);
-        EXPECT_EQ(c.group->SelectedIndex(), 0);
+        QTest::mouseClick(group->Choice(0), Qt::LeftButton);
+        EXPECT_EQ(group->SelectedIndex(), 0);
         ASSERT_EQ(clicked.count(), 1);
         EXPECT_EQ(clicked.at(0).at(0).toInt(), 0);
     }
+    EXPECT_EQ(counts, (std::vector<int>{3, 3, 2, 2, 2, 2, 2}));
     // The check images follow the show-shot choice.
     for (const int choice : {0, 1}) {
         control.radioGroupShowShotResult->SetSelectedIndex(choice);
