@@ -50,7 +50,6 @@ TEST(SimulatorLauncher, FindsWineOrTheUsersCommandAndTellsWhenNothingCanStartIt)
         {bin, e6, "", "", SimulatorStart::kStarted, wine, wine + "|" + exe + "||" + e6},
         {bin, e6, "/home/u/.wine-e6", "", SimulatorStart::kStarted, wine,
          wine + "|" + exe + "|/home/u/.wine-e6|" + e6},
-        {empty, e6, "", "", SimulatorStart::kNoWine, "", ""},
         {empty, e6, "/p", '"' + launcher + "\" --fullscreen", SimulatorStart::kStarted, launcher,
          launcher + "|--fullscreen " + exe + "|/p|" + e6},
         {bin, e6, "", "/nonexistent/starter", SimulatorStart::kFailed, "/nonexistent/starter", ""},

@@ -1,16 +1,8 @@
 #include "app/startup_options.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
-#include "common/debug_log.h"
-#include "tests/support/file_text.h"
-#include "tests/support/test_support.h"
+#include <vector>
 
 namespace {
 

@@ -18,61 +18,54 @@ using Orvane::ShotOutcome;
 class HistorySession : public SessionTest {};
 
 TEST_F(HistorySession, RowsHoldTheSentNumbersAndRefusalsAreKept) {
-    struct Case {
-        const char* club;  // as the simulator names it
-        ShotOutcome outcome;
-    };
-    for (const Case& c :
-         {Case{"Driver", ShotOutcome::kSent}, Case{"NoSuchClub", ShotOutcome::kRefusedNotFinite}}) {
-        SCOPED_TRACE(c.club);
-        TearDown();
-        SetUp();
-        ui.Clear();
-        TempDir dir;
-        history::HistoryWriter writer(dir.path() / "history.db");
-        writer.Start();
-        emulator->SetClub(c.club);
-        StartManager();
-        manager->SetShotListener(&writer);
-        ASSERT_TRUE(Eventually([&] {
-            E6TruSimClient* client = manager->GetE6();
-            return ui.Saw("ble:3") && client != nullptr && client->IsAuthenticated() &&
-                   emulator->IsClientAuthenticated();
-        }));
-        ASSERT_TRUE(Eventually([&] { return ui.Saw("e6:1"); }));
-        emulator->ClearReceived();
-        sensor->TriggerSwing(DriverSwing(150.0));
-        ASSERT_TRUE(Eventually([&] { return ui.Saw("shot"); }));
-        if (c.outcome == ShotOutcome::kSent) {
-            ASSERT_TRUE(emulator->WaitForShots(1, 10s));
-        }
-        manager->Stop();
-        writer.Stop();
-
-        const auto rows = history::HistoryStore::Open(writer.File())->Shots({});
-        ASSERT_EQ(rows.size(), 1u);
-        const Orvane::ShotReport& shot = rows[0].shot;
-        EXPECT_EQ(shot.outcome, c.outcome);
-        EXPECT_EQ(rows[0].session, writer.Session());
-        EXPECT_NEAR(shot.headSpeed, 94.5, 1e-4);
-        EXPECT_NEAR(shot.path, -2.3, 1e-4);  // the sign survives
-        EXPECT_NEAR(shot.tempo, 3.1, 1e-4);
-        if (c.outcome == ShotOutcome::kSent) {
-            EXPECT_EQ(shot.clubName, "Driver");
-            EXPECT_EQ(shot.clip, "/clips/MyRecord3.mp4");
-            EXPECT_GT(shot.distanceToPin, 0.0);
-            EXPECT_EQ(ReceivedOfType("SetBallData"),
-                      std::vector<std::string>{E6_GetBallDataJson(shot.ball)});
-            EXPECT_EQ(ReceivedOfType("SetClubData"),
-                      std::vector<std::string>{E6_GetClubDataJson(shot.clubData)});
-        } else {
-            EXPECT_TRUE(ReceivedOfType("SetBallData").empty());
-            EXPECT_TRUE(ReceivedOfType("SendShot").empty());
-            StdoutCapture out;
-            ConsoleReporter(*manager).OnOrvShot();
-            EXPECT_EQ(out.Text(), "Shot not sent: the simulator named no known club\n");
-        }
+    TempDir dir;
+    history::HistoryWriter writer(dir.path() / "history.db");
+    writer.Start();
+    emulator->SetClub("NoSuchClub");
+    StartManager();
+    manager->SetShotListener(&writer);
+    ASSERT_TRUE(Eventually([&] {
+        E6TruSimClient* client = manager->GetE6();
+        return ui.Saw("ble:3") && ui.Saw("e6:1") && client != nullptr &&
+               client->IsAuthenticated() && emulator->IsClientAuthenticated();
+    }));
+    emulator->ClearReceived();
+    sensor->TriggerSwing(DriverSwing(150.0));
+    ASSERT_TRUE(Eventually([&] { return ui.Saw("shot"); }));
+    {
+        StdoutCapture out;
+        ConsoleReporter(*manager).OnOrvShot();
+        EXPECT_EQ(out.Text(), "Shot not sent: the simulator named no known club\n");
     }
+    // A club the program knows: the next shot goes out.
+    emulator->SetClub("Driver");
+    ASSERT_TRUE(emulator->SendPlayerData());
+    ASSERT_TRUE(Eventually([&] { return manager->GetE6()->GetCurrentClub() != 0; }));
+    sensor->TriggerSwing(DriverSwing(150.0));
+    ASSERT_TRUE(emulator->WaitForShots(1, 10s));
+    manager->Stop();
+    writer.Stop();
+
+    const auto rows = history::HistoryStore::Open(writer.File())->Shots({});
+    ASSERT_EQ(rows.size(), 2u);
+    for (const history::HistoryRow& row : rows) {
+        EXPECT_EQ(row.session, writer.Session());
+        EXPECT_NEAR(row.shot.headSpeed, 94.5, 1e-4);
+        EXPECT_NEAR(row.shot.path, -2.3, 1e-4);  // the sign survives
+        EXPECT_NEAR(row.shot.tempo, 3.1, 1e-4);
+    }
+    EXPECT_EQ(rows[0].shot.outcome, ShotOutcome::kRefusedNotFinite);
+    const Orvane::ShotReport& sent = rows[1].shot;
+    EXPECT_EQ(sent.outcome, ShotOutcome::kSent);
+    EXPECT_EQ(sent.clubName, "Driver");
+    EXPECT_EQ(sent.clip, "/clips/MyRecord3.mp4");
+    EXPECT_GT(sent.distanceToPin, 0.0);
+    // One of each: the refused shot sent nothing.
+    EXPECT_EQ(ReceivedOfType("SetBallData"),
+              std::vector<std::string>{E6_GetBallDataJson(sent.ball)});
+    EXPECT_EQ(ReceivedOfType("SetClubData"),
+              std::vector<std::string>{E6_GetClubDataJson(sent.clubData)});
+    EXPECT_EQ(ReceivedOfType("SendShot").size(), 1u);
 }
 
 }  // namespace

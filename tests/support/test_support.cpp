@@ -76,11 +76,8 @@ TempDir::~TempDir() {
 }
 
 size_t CountOf(const std::string& haystack, const std::string& needle) {
-    if (needle.empty()) {
-        return 0;
-    }
     size_t count = 0;
-    for (size_t at = haystack.find(needle); at != std::string::npos;
+    for (size_t at = haystack.find(needle); !needle.empty() && at != std::string::npos;
          at = haystack.find(needle, at + needle.size())) {
         ++count;
     }

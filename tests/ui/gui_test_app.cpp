@@ -10,47 +10,34 @@
 
 namespace orv::test {
 
-namespace {
-
-// Qt's own globals are gone by the time static objects are destroyed, so the
-// application ends with the tests, before the display goes.
-class GuiEnvironment : public ::testing::Environment {
-public:
-    QApplication& App() {
-        if (!app_) {
-            // The off-screen platform needs no X server.
-            if (qgetenv("QT_QPA_PLATFORM") != "offscreen") {
-                display_ = std::make_unique<XvfbDisplay>("1280x1024x24");
-            }
-            // Qt's own event loop instead of GLib's, whose locking the
-            // thread sanitizer cannot see either.
-            setenv("QT_NO_GLIB", "1", 1);
-            app_ = std::make_unique<QApplication>(argc_, argv_);
-        }
-        return *app_;
-    }
-    void TearDown() override {
-        app_.reset();
-        display_.reset();
-    }
-
-private:
-    int argc_ = 1;
-    char name_[16] = "orvane-gui-test";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<XvfbDisplay> display_;
-    std::unique_ptr<QApplication> app_;
-};
-
-}  // namespace
-
 QApplication& GuiTestApp() {
-    static GuiEnvironment* environment = [] {
-        auto* made = new GuiEnvironment;
-        ::testing::AddGlobalTestEnvironment(made);  // owned and torn down by GoogleTest
-        return made;
+    // Qt's own globals are gone by the time static objects are destroyed, so
+    // the application ends with the tests, before the display goes.
+    struct Environment : ::testing::Environment {
+        void TearDown() override {
+            app.reset();
+            display.reset();
+        }
+        std::unique_ptr<XvfbDisplay> display;
+        std::unique_ptr<QApplication> app;
+    };
+    static QApplication* app = [] {
+        auto* environment = new Environment;
+        ::testing::AddGlobalTestEnvironment(environment);  // owned and torn down by GoogleTest
+        // The off-screen platform needs no X server.
+        if (qgetenv("QT_QPA_PLATFORM") != "offscreen") {
+            environment->display = std::make_unique<XvfbDisplay>("1280x1024x24");
+        }
+        // Qt's own event loop instead of GLib's, whose locking the thread
+        // sanitizer cannot see either.
+        setenv("QT_NO_GLIB", "1", 1);
+        static int argc = 1;
+        static char name[] = "orvane-gui-test";
+        static char* argv[] = {name, nullptr};
+        environment->app = std::make_unique<QApplication>(argc, argv);
+        return environment->app.get();
     }();
-    return environment->App();
+    return *app;
 }
 
 bool ProcessEventsUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {

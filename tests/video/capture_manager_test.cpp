@@ -1,19 +1,24 @@
-// The capture manager with a live test pattern for a camera, drawing into a
-// real window on a private X server and recording real files.
+// The capture manager and the recording workflow around swings, with a live
+// test pattern for a camera, drawing into real windows on a private X server
+// and recording real files: the ring of ten files, immediate and delayed
+// stops, the setting that turns recording off, and the slow-motion replay,
+// shown and closed from session threads.
 #include "video/capture_manager.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QProcess>
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <atomic>
+#include <filesystem>
+#include <thread>
 
-#include "common/debug_log.h"
 #include "tests/support/file_text.h"
 #include "tests/video/video_test_support.h"
+#include "video/player_wnd.h"
 #include "video/preview_wnd.h"
+#include "video/swing_recorder.h"
 
 namespace {
 
@@ -21,33 +26,51 @@ using namespace std::chrono_literals;
 using orv::test::CountOf;
 using orv::test::ProcessEventsUntil;
 using orv::test::PumpFor;
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
 
 struct CaptureTest : orv::test::GuiTest {
-    CaptureTest() { ShowLog(true, false); }
-    ~CaptureTest() override { ShowLog(false, false); }
-
-    // A shown preview of the test pattern.
-    std::unique_ptr<PreviewWnd> StartPreview(CaptureSources sources = orv::test::TestSources(),
-                                             CaptureTiming timing = {}) {
-        auto preview = std::make_unique<PreviewWnd>(std::move(sources), timing);
-        EXPECT_TRUE(preview->Create(nullptr));
-        EXPECT_TRUE(preview->StartPreview(kShowWindow));
-        EXPECT_TRUE(
-            ProcessEventsUntil([&] { return preview->GetCaptureManager()->IsPreviewActive(); }));
-        return preview;
-    }
+    orv::test::LogCapture out;  // before anything that logs
 
     std::string Clip(const std::string& name) const { return (dir.path() / name).string(); }
 
     orv::test::TempDir dir;
 };
 
+struct SwingRecorderTest : CaptureTest {
+    SwingRecorderTest() : preview(orv::test::TestSources()) {
+        EXPECT_TRUE(preview.Create(nullptr));
+        EXPECT_TRUE(preview.StartPreview(kHideWindow));
+        capture = preview.GetCaptureManager();
+        PlayerWnd::GetInstance()->SetWindowInstance(nullptr);
+        recorder = std::make_unique<Orvane::SwingRecorder>(dir.path(), capture,
+                                                           [this] { return enabled.load(); });
+    }
+    ~SwingRecorderTest() override {
+        recorder.reset();
+        PlayerWnd::ReleaseInstance();
+    }
+
+    std::string Ring(int number) const {
+        return Clip("MyRecord" + std::to_string(number) + ".mp4");
+    }
+
+    PreviewWnd preview;
+    CaptureManager* capture = nullptr;
+    std::atomic<bool> enabled{true};
+    std::unique_ptr<Orvane::SwingRecorder> recorder;
+};
+
 TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindowAndRecordsAPlayableClip) {
-    orv::test::StdoutCapture out;
-    auto preview = StartPreview();
-    CaptureManager* capture = preview->GetCaptureManager();
+    PreviewWnd preview(orv::test::TestSources());
+    ASSERT_TRUE(preview.Create(nullptr));
+    ASSERT_TRUE(preview.StartPreview(kShowWindow));
+    CaptureManager* capture = preview.GetCaptureManager();
     ASSERT_TRUE(ProcessEventsUntil([&] { return capture->PreviewFrames() > 5; }));
-    const QImage shot = orv::test::GrabScreen(preview->Window());
+    const QImage shot = orv::test::GrabScreen(preview.Window());
     EXPECT_EQ(shot.size(), QSize(320, 240));
     // The test pattern's bars, left white-grey to right blue, unstretched.
     const QColor left = shot.pixelColor(20, 60);
@@ -57,7 +80,7 @@ TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindowAndRecordsAPlayableClip) {
     EXPECT_LT(right.red(), 60);
     EXPECT_GT(right.blue(), 150);
     // 640x480 scaled to 320 wide keeps the aspect ratio.
-    EXPECT_EQ(preview->Window()->geometry(), QRect(1280 - 320 - 10, 1024 / 2 + 10, 320, 240));
+    EXPECT_EQ(preview.Window()->geometry(), QRect(1280 - 320 - 10, 1024 / 2 + 10, 320, 240));
     EXPECT_EQ(capture->StartPreview(), S_OK);  // a second start does nothing
 
     const auto start = std::chrono::steady_clock::now();
@@ -84,24 +107,15 @@ TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindowAndRecordsAPlayableClip) {
 
 TEST_F(CaptureTest, ClipOfAKilledProgramPlaysUpToItsLastSecond) {
     const std::string path = Clip("killed.mp4");
-    int out[2];
-    ASSERT_EQ(pipe(out), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(out[1], STDOUT_FILENO);
-        execl(RECORD_CHILD_PATH, RECORD_CHILD_PATH, path.c_str(), static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    close(out[1]);
-    char said[16] = {};
-    ASSERT_GT(read(out[0], said, sizeof said - 1), 0);
-    close(out[0]);
-    EXPECT_STREQ(said, "recording\n");
+    QProcess child;
+    child.start(RECORD_CHILD_PATH, {QString::fromStdString(path)});
+    ASSERT_TRUE(child.waitForReadyRead(10000));
+    EXPECT_EQ(child.readAllStandardOutput(), "recording\n");
     // Three complete one-second fragments on disk, then the program dies.
     EXPECT_TRUE(orv::test::Eventually(
         [&] { return CountOf(orv::test::ReadFileText(path), "moof") >= 3; }, 10s));
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    child.kill();
+    ASSERT_TRUE(child.waitForFinished(5000));
     const orv::test::DecodeResult decoded = orv::test::DecodeVideo(path);
     EXPECT_TRUE(decoded.ok);
     EXPECT_GE(decoded.lastSeconds, 1.9);
@@ -127,6 +141,101 @@ TEST_F(CaptureTest, ReleasingLeavesNoThreadBehind) {
         5s))
         << orv::test::ThreadNames() << " now, " << before << " before";
     EXPECT_TRUE(orv::test::DecodeVideo(Clip("threads.mp4")).ok);
+}
+
+TEST_F(SwingRecorderTest, ElevenSwingsRotateTheRingAndOverwriteTheFirstFile) {
+    std::filesystem::file_time_type firstWritten;
+    for (int swing = 0; swing < 11; ++swing) {
+        const Clock::time_point start = Clock::now();
+        ASSERT_TRUE(recorder->StartRecording());
+        EXPECT_EQ(recorder->LastRecordingFile(), Ring(swing % 10));
+        PumpFor(300ms);
+        recorder->StopRecording(0);
+        const double wall = SecondsSince(start);
+        EXPECT_FALSE(capture->IsRecording());
+        const orv::test::DecodeResult clip = orv::test::DecodeVideo(Ring(swing % 10));
+        ASSERT_TRUE(clip.ok) << swing;
+        EXPECT_EQ(QSize(clip.width, clip.height), QSize(320, 240));
+        EXPECT_NEAR(clip.seconds, wall, 0.25) << swing;
+        if (swing == 0) {
+            firstWritten = std::filesystem::last_write_time(Ring(0));
+        }
+    }
+    for (int number = 0; number < 10; ++number) {
+        EXPECT_TRUE(std::filesystem::exists(Ring(number)));
+    }
+    EXPECT_FALSE(std::filesystem::exists(Ring(10)));
+    EXPECT_GT(std::filesystem::last_write_time(Ring(0)), firstWritten);
+    const std::string log = out.Text();
+    EXPECT_EQ(CountOf(log, "StartRecording success\n"), 11u);
+    EXPECT_EQ(CountOf(log, "StopRecording\n"), 11u);
+}
+
+TEST_F(SwingRecorderTest, DelayedStopLetsTheClipRunTwoMoreSeconds) {
+    const Clock::time_point start = Clock::now();
+    ASSERT_TRUE(recorder->StartRecording());
+    recorder->StopRecording(2);
+    EXPECT_LT(SecondsSince(start), 1.0);  // the caller does not wait
+    EXPECT_TRUE(capture->IsRecording());
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !capture->IsRecording(); }, 6s));
+    EXPECT_NEAR(SecondsSince(start), 2.0, 0.5);
+    const orv::test::DecodeResult clip = orv::test::DecodeVideo(Ring(0));
+    ASSERT_TRUE(clip.ok);
+    EXPECT_NEAR(clip.seconds, 2.0, 0.35);
+    EXPECT_EQ(CountOf(out.Text(), "StopRecording delay\n"), 1u);
+}
+
+TEST_F(SwingRecorderTest, WithRecordingOffNothingIsWrittenOrShown) {
+    enabled = false;
+    EXPECT_FALSE(recorder->IsRecordingAvailable());
+    EXPECT_FALSE(recorder->StartRecording());
+    recorder->StopRecording(0);
+    recorder->ShowRecordingFile();
+    EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
+    EXPECT_FALSE(PlayerWnd::GetInstance()->HasPlayer());
+    // The preview runs on: recordings need it when the setting comes back.
+    const uint64_t frames = capture->PreviewFrames();
+    EXPECT_TRUE(ProcessEventsUntil([&] { return capture->PreviewFrames() > frames + 5; }));
+
+    Orvane::SwingRecorder noCamera(dir.path(), nullptr, [] { return true; });
+    EXPECT_FALSE(noCamera.IsRecordingAvailable());
+    EXPECT_FALSE(noCamera.StartRecording());
+}
+
+TEST_F(SwingRecorderTest, ShowsTheLastClipFromASessionThread) {
+    ASSERT_TRUE(recorder->StartRecording());
+    PumpFor(1000ms);
+    recorder->StopRecording(0);
+    std::atomic<bool> shown{false};
+    std::thread session([&] {
+        recorder->ShowRecordingFile();
+        shown = true;
+    });
+    ASSERT_TRUE(ProcessEventsUntil([&] { return shown.load(); }));
+    session.join();
+    QWidget* window = PlayerWnd::GetInstance()->Window();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->geometry(), QRect(151, 331, 798, 398));
+    EXPECT_TRUE(window->windowFlags() & Qt::WindowStaysOnTopHint);
+    ASSERT_TRUE(
+        ProcessEventsUntil([&] { return CountOf(out.Text(), "PlayerState::Started\n") > 0; }));
+    EXPECT_TRUE(ProcessEventsUntil(
+        [&] { return !orv::test::AllBlack(orv::test::GrabScreen(window)); }, 3s));
+    EXPECT_EQ(CountOf(out.Text(), "Rate Control nearest rate(0.600000): 0.600000\n"), 1u);
+    // Decoded by openh264: no GPL-licensed decoder came into the process.
+    const std::string maps = orv::test::ReadFileText("/proc/self/maps");
+    EXPECT_EQ(maps.find("libavcodec"), std::string::npos);
+    EXPECT_EQ(maps.find("libfaad"), std::string::npos);
+
+    recorder->ShowRecordingFile();  // still showing: refused
+    EXPECT_EQ(CountOf(out.Text(), "playerWnd->Create() false\n"), 1u);
+
+    // A new swing closes the replay before it records.
+    std::thread swing([&] { recorder->ClosePlayer(); });
+    ASSERT_TRUE(ProcessEventsUntil([&] { return !window->isVisible(); }));
+    swing.join();
+    EXPECT_FALSE(PlayerWnd::GetInstance()->HasPlayer());
+    EXPECT_EQ(CountOf(out.Text(), "Show Recording File...\n"), 2u);
 }
 
 }  // namespace

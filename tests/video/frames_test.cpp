@@ -6,7 +6,6 @@
 #include <QGuiApplication>
 #include <QWidget>
 
-#include "tests/support/test_support.h"
 #include "tests/video/video_test_support.h"
 #include "video/player_wnd.h"
 #include "video/preview_wnd.h"

@@ -7,7 +7,6 @@
 #include <map>
 #include <string>
 
-#include "tests/support/test_support.h"
 #include "tests/video/video_test_support.h"
 #include "video/player_wnd.h"
 
@@ -63,7 +62,8 @@ TEST(ReplayLeakTest, FiftyReplaysLeaveNoObjectWindowOrDescriptor) {
         ASSERT_TRUE(player->Create());
         ASSERT_TRUE(player->OpenURL(clip));
         if (i % 2 == 1) {
-            ASSERT_TRUE(ProcessEventsUntil([&] { return player->State() == PlayerState::Started; }));
+            ASSERT_TRUE(
+                ProcessEventsUntil([&] { return player->State() == PlayerState::Started; }));
             player->Close();
         }
         ASSERT_TRUE(ProcessEventsUntil([&] { return !player->HasPlayer(); }));

@@ -6,8 +6,6 @@
 #include <QScreen>
 #include <QWidget>
 
-#include <fstream>
-
 #include "tests/support/test_support.h"
 #include "tests/ui/gui_test_app.h"
 
@@ -123,17 +121,6 @@ QImage GrabScreen(const QWidget* window) {
     QScreen* screen = QGuiApplication::primaryScreen();
     return screen->grabWindow(0, window->x(), window->y(), window->width(), window->height())
         .toImage();
-}
-
-bool LibraryLoaded(const std::string& part) {
-    std::ifstream maps("/proc/self/maps");
-    std::string line;
-    while (std::getline(maps, line)) {
-        if (line.find(part) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
 }
 
 }  // namespace orv::test

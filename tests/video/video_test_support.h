@@ -48,7 +48,4 @@ bool AllBlack(const QImage& image);
 // A screenshot of a window as the X server shows it.
 QImage GrabScreen(const QWidget* window);
 
-// Shared libraries mapped into this process whose path contains `part`.
-bool LibraryLoaded(const std::string& part);
-
 }  // namespace orv::test
