@@ -121,25 +121,6 @@ TEST(DataRecords, RawSamplesAreSignedImpactValuesUnsigned) {
     EXPECT_EQ(sim->checksum, sim.buffer->data[19]);
 }
 
-TEST(DataRecords, ShortAndEmptyFramesParseIntoZeros) {
-    const uint8_t shortSwing[] = {0x02, 0x11, 0x01};
-    bb* buffer = bb_new_copy(shortSwing, sizeof shortSwing);
-    OrvDataSwingInfoModel record(buffer);
-    record.ParseData();
-    EXPECT_EQ(record.DistanceUnit, 1);
-    EXPECT_EQ(record.HeadSpeed, 0.0f);
-    EXPECT_EQ(record.ClubReleaseRatio, 0);
-    EXPECT_EQ(record.checksum, 0);
-    bb_free(&buffer);
-
-    buffer = bb_new_copy(nullptr, 0);
-    OrvDataFWVersionModel version(buffer);
-    version.ParseData();
-    // Three zero characters: the text is "\0.\0.\0", empty as a C string.
-    EXPECT_EQ(std::string(version.version, 5), std::string("\0.\0.\0", 5));
-    bb_free(&buffer);
-}
-
 TEST(DataRecords, DispatchBuildsTheRecordOfEachKnownType) {
     int visited = 0;
     for (int code = 0; code < 256; ++code) {
