@@ -45,7 +45,8 @@ TEST(ShowResult, AnalysersFollowTheHiddenResultScreenAndAnythingButXmlIsLeftAlon
         orv::test::LogCapture log;
         settings.SaveShowResult();
         EXPECT_FALSE(fs::exists(stg)) << "a missing file is not created";
-        for (const std::string broken : {std::string(kDefaultsStg).substr(0, 120), std::string()}) {
+        for (const std::string& broken :
+             {std::string(kDefaultsStg).substr(0, 120), std::string()}) {
             WriteFileText(stg, broken);
             settings.SaveShowResult();
             EXPECT_EQ(ReadFileText(stg), broken);

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -23,20 +21,13 @@ using Samples = std::vector<int16_t>;
 // Stands in for the sound server: records each announcement, and while the
 // gate is closed holds it "playing" until the voice asks to stop.
 struct Played {
-    std::mutex mutex;  // guards everything below
+    std::atomic<bool> gateOpen{true}, playing{false}, stoppedEarly{false};
+    std::mutex mutex;  // guards clips
     std::vector<Samples> clips;
-    bool gateOpen = true;
-    bool playing = false;
-    bool stoppedEarly = false;
 
-    template <typename T>
-    T Get(T Played::*member) {
+    size_t Count() {
         std::lock_guard lock(mutex);
-        return this->*member;
-    }
-    void SetGate(bool open) {
-        std::lock_guard lock(mutex);
-        gateOpen = open;
+        return clips.size();
     }
 };
 
@@ -44,16 +35,14 @@ class RecordingOutput final : public orv::SpeechOutput {
 public:
     explicit RecordingOutput(std::shared_ptr<Played> played) : played_(std::move(played)) {}
     void Play(const Samples& samples, const std::atomic<bool>& keepPlaying) override {
-        std::unique_lock lock(played_->mutex);
         played_->playing = true;
         while (!played_->gateOpen && keepPlaying) {
-            lock.unlock();
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            lock.lock();
         }
-        played_->playing = false;
-        played_->stoppedEarly |= !keepPlaying;
+        played_->playing = false;  // before the clip counts, so a count means it is over
+        played_->stoppedEarly = played_->stoppedEarly || !keepPlaying;
         if (keepPlaying) {
+            std::lock_guard lock(played_->mutex);
             played_->clips.push_back(samples);
         }
     }
@@ -61,13 +50,6 @@ public:
 private:
     std::shared_ptr<Played> played_;
 };
-
-bool Audible(const Samples& samples) {
-    const auto loudest = std::max_element(samples.begin(), samples.end(), [](int16_t a, int16_t b) {
-        return std::abs(static_cast<int>(a)) < std::abs(static_cast<int>(b));
-    });
-    return samples.size() > 2000 && loudest != samples.end() && std::abs(*loudest) > 1000;
-}
 
 // espeak-ng's output for a text varies with what it spoke before (by up to
 // a tenth); the test texts differ in length by far more than that.
@@ -92,9 +74,11 @@ struct Speech : ::testing::Test {
 };
 
 TEST(SpeechVoice, MissingVoiceFallsBackToTheDefaultVoice) {
-    EXPECT_TRUE(Audible(orv::SynthesizeSpeech("Sensor connected.", "no-such-voice")));
-    EXPECT_TRUE(SameSpeech(orv::SynthesizeSpeech("Sensor connected.", "en-us"),
-                           TTS_SynthesizeToMemory("Sensor connected.", 1033)));
+    for (const char* voice : {"no-such-voice", "en-us"}) {
+        EXPECT_TRUE(SameSpeech(orv::SynthesizeSpeech("Sensor connected.", voice),
+                               TTS_SynthesizeToMemory("Sensor connected.", 1033)))
+            << voice;
+    }
     EXPECT_FALSE(SameSpeech(TTS_SynthesizeToMemory("Sensor connected.", 1033),
                             TTS_SynthesizeToMemory("Ready.", 1033)));
     EXPECT_TRUE(TTS_SynthesizeToMemory("", 1033).empty());
@@ -106,28 +90,28 @@ TEST_F(Speech, AnnouncementsQueueInOrderWithoutBlockingTheCallerAndDeInitCutsThe
     ASSERT_TRUE(Start());
     EXPECT_NE(out.Text().find("] TTS Lang 1033\n"), std::string::npos) << out.Text();
 
-    played->SetGate(false);
+    played->gateOpen = false;
     const std::vector<std::string> texts = {"Sensor connected.", "Ready.",
                                             "Sensor battery is low. Please charge it soon."};
     for (const auto& text : texts) {
         TTS_Speak(text);  // returns although the output is held
     }
-    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::playing); }));
-    EXPECT_EQ(played->Get(&Played::clips).size(), 0u);
-    played->SetGate(true);
-    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::clips).size() == texts.size(); }));
+    ASSERT_TRUE(Eventually([&] { return played->playing.load(); }));
+    EXPECT_EQ(played->Count(), 0u);
+    played->gateOpen = true;
+    ASSERT_TRUE(Eventually([&] { return played->Count() == texts.size(); }));
     for (size_t i = 0; i < texts.size(); ++i) {
         EXPECT_TRUE(SameSpeech(played->clips[i], TTS_SynthesizeToMemory(texts[i], 1033)))
             << texts[i];
     }
 
-    played->SetGate(false);
+    played->gateOpen = false;
     TTS_Speak(texts[2]);
     TTS_Speak(texts[1]);
-    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::playing); }));
+    ASSERT_TRUE(Eventually([&] { return played->playing.load(); }));
     TTS_DeInit();
-    EXPECT_TRUE(played->Get(&Played::stoppedEarly));
-    EXPECT_EQ(played->Get(&Played::clips).size(), texts.size()) << "the queued one is dropped";
+    EXPECT_TRUE(played->stoppedEarly.load());
+    EXPECT_EQ(played->Count(), texts.size()) << "the queued one is dropped";
 }
 
 // Only "Ready." here is spoken: before init, empty, with the effect sound
@@ -143,11 +127,11 @@ TEST_F(Speech, OnlyAllowedAnnouncementsArePlayed) {
     TTS_Speak("Sensor disconnected.");
     settings->effectSound = true;
     TTS_Speak("Ready.");
-    ASSERT_TRUE(Eventually([&] { return played->Get(&Played::clips).size() == 1; }));
+    ASSERT_TRUE(Eventually([&] { return played->Count() == 1; }));
     TTS_DeInit();
     TTS_Speak("Sensor connected.");
     TTS_DeInit();
-    EXPECT_EQ(played->Get(&Played::clips).size(), 1u);
+    EXPECT_EQ(played->Count(), 1u);
     EXPECT_TRUE(SameSpeech(played->clips[0], TTS_SynthesizeToMemory("Ready.", 1033)));
 }
 
@@ -180,7 +164,7 @@ TEST_F(Speech, WithoutASoundServerInitFailsAndSpeechStaysSilent) {
         GTEST_SKIP() << "a sound server is reachable here";
     }
     EXPECT_NE(out.Text().find("] [TTS_Init("), std::string::npos) << out.Text();
-    EXPECT_NE(out.Text().find(")] TTS Initialize error: "), std::string::npos) << out.Text();
+    EXPECT_NE(out.Text().find(")] TTS Initialize error: "), std::string::npos);
     TTS_Speak("Ready.");
     TTS_DeInit();
 }

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "common/language_id.h"
 #include "common/string_table.h"
 #include "tests/common/env_var.h"
@@ -46,17 +43,11 @@ TEST_F(StringRes, EveryLanguageHasEveryText) {
             }
         }
         EXPECT_EQ(GetStringRes(179), "");
-        EXPECT_EQ(GetStringRes(160), "");
-        EXPECT_EQ(GetStringRes(183), "");
         EXPECT_NE(GetStringRes(174).find('\n'), std::string::npos) << "two-line message";
-
-        for (const std::string& unit :
-             {std::string("yards"), GetStringRes(170), GetStringRes(171)}) {
-            const std::string text = FormatDistanceText(GetStringRes(169), unit, 150);
-            EXPECT_NE(text.find("150"), std::string::npos) << text;
-            EXPECT_NE(text.find(unit), std::string::npos) << text;
-            EXPECT_EQ(text.find('%'), std::string::npos) << text;
-        }
+        const std::string text = FormatDistanceText(GetStringRes(169), GetStringRes(171), 150);
+        EXPECT_NE(text.find("150"), std::string::npos) << text;
+        EXPECT_NE(text.find(GetStringRes(171)), std::string::npos) << text;
+        EXPECT_EQ(text.find('%'), std::string::npos) << text;
     }
     LoadLanguageModule(1033);
     EXPECT_EQ(FormatDistanceText(GetStringRes(169), GetStringRes(170), 150),
