@@ -124,7 +124,6 @@ TEST_F(Speech, OnlyAllowedAnnouncementsArePlayed) {
     TTS_Speak("");
     settings->effectSound = false;
     std::thread([] { TTS_Speak("Sensor disconnected."); }).join();
-    TTS_Speak("Sensor disconnected.");
     settings->effectSound = true;
     TTS_Speak("Ready.");
     ASSERT_TRUE(Eventually([&] { return played->Count() == 1; }));

@@ -16,21 +16,18 @@ struct StringRes : ::testing::Test {
 };
 
 TEST(LanguageId, MessagesLocaleFollowsTheCLibraryOrder) {
-    EnvVar all("LC_ALL", nullptr);
-    EnvVar messages("LC_MESSAGES", "ko_KR.UTF-8");
-    EnvVar lang("LANG", "ja_JP.UTF-8");
-    EXPECT_EQ(GetUserDefaultLanguageId(), 1042);
-    {
-        EnvVar set("LC_ALL", "de_DE.UTF-8");
-        EXPECT_EQ(GetUserDefaultLanguageId(), 1031);
+    const struct {
+        const char *all, *messages, *lang;
+        int id;
+    } rows[] = {{nullptr, "ko_KR.UTF-8", "ja_JP.UTF-8", 1042},
+                {"de_DE.UTF-8", "ko_KR.UTF-8", "ja_JP.UTF-8", 1031},
+                {nullptr, "", "ja_JP.UTF-8", 1041},
+                {nullptr, nullptr, nullptr, 1033}};
+    for (const auto& row : rows) {
+        EnvVar all("LC_ALL", row.all), messages("LC_MESSAGES", row.messages),
+            lang("LANG", row.lang);
+        EXPECT_EQ(GetUserDefaultLanguageId(), row.id) << row.id;
     }
-    {
-        EnvVar empty("LC_MESSAGES", "");
-        EXPECT_EQ(GetUserDefaultLanguageId(), 1041);
-    }
-    EnvVar noMessages("LC_MESSAGES", nullptr);
-    EnvVar noLang("LANG", nullptr);
-    EXPECT_EQ(GetUserDefaultLanguageId(), 1033);
 }
 
 TEST_F(StringRes, EveryLanguageHasEveryText) {

@@ -57,15 +57,4 @@ TEST(CommandModels, ClubFactorIsTruncatedAndWraps) {
     }
 }
 
-TEST(CommandModels, RebuildingReplacesTheOwnedFrame) {
-    OrvCmdStateSyncModel sync(2, 3, 0);
-    sync.MakeSendPacket();
-    sync.state3 = 1;
-    bb* second = sync.MakeSendPacket();
-    EXPECT_EQ(sync.packet, second);
-    EXPECT_EQ(second->pos, 6);
-    EXPECT_EQ(Bytes(second->data, second->data + second->size),
-              (Bytes{0x0A, 0x03, 0x02, 0x03, 0x01, 0x09}));
-}
-
 }  // namespace

@@ -5,10 +5,8 @@
 #include <cmath>
 #include <limits>
 
-#include "common/debug_log.h"
 #include "common/user_depends_data.h"
 #include "simulator/shot_records.h"
-#include "tests/support/test_support.h"
 
 namespace {
 
@@ -41,7 +39,6 @@ TEST_F(BallFlight, ClampsLetNaNThrough) {
 
 TEST_F(BallFlight, DriverAtReferenceSpeedWithClubAndWithStick) {
     gUserDependsData.launchAngleScale = 1.25;
-    orv::test::LogCapture log;
     const E6BallData ball = E6_MakeBallData(1, 1, 94.0, 0.0, 0.0, 0.0);
     gUserDependsData.clubType = 0;
     EXPECT_DOUBLE_EQ(E6_MakeBallData(1, 1, 94.0, 0.0, 0.0, 0.0).BallSpeed, 132.16400170326233);
@@ -49,8 +46,6 @@ TEST_F(BallFlight, DriverAtReferenceSpeedWithClubAndWithStick) {
     EXPECT_DOUBLE_EQ(ball.LaunchAngle, 11.87999980866909 * 1.25);
     EXPECT_EQ(ball.BackSpin, 2600.0);
     EXPECT_EQ(ball.LaunchDirection, 0.0);
-    EXPECT_EQ(orv::test::CountOf(log.Text(), "] [OrvGetBallSpeed("), 1u) << log.Text();
-    EXPECT_EQ(orv::test::CountOf(log.Text(), "ballSpeed <- swing stick\n"), 1u);
 }
 
 TEST_F(BallFlight, PutterPiecesAndLaunch) {
@@ -69,8 +64,6 @@ TEST_F(BallFlight, PutterPiecesAndLaunch) {
     EXPECT_DOUBLE_EQ(OrvGetPutterBallSpeed(10.0),
                      (10.0 - 6.699999809265137) * 1.2100000381469727 + 12.0);
     EXPECT_EQ(OrvGetPutterBallSpeed(kNaN), 0.0);
-    EXPECT_EQ(OrvGetPutterBallSpeed(std::numeric_limits<double>::infinity()),
-              std::numeric_limits<double>::infinity());
 
     // At and above the reference: half the ratio, capped at the reference angle.
     const __club_value_table_st putter = OrvGetClubValueTable(15);

@@ -68,7 +68,6 @@ TEST_F(TruSimLink, AuthenticatesByChallengeTakesTheGreetingAndASecondAfterEndCom
     ASSERT_GE(received.size(), 2u);
     EXPECT_EQ(received[0], kHandshake);
     EXPECT_EQ(received[1], kChallengeAnswer);
-    EXPECT_TRUE(emulator->IsClientAuthenticated());
     EXPECT_TRUE(client.IsAuthenticated());
     EXPECT_EQ(client.GetCurrentClub(), 1u);
     ASSERT_TRUE(Eventually([&] { return listener.Started("environment:") == 1; }));
@@ -90,8 +89,6 @@ TEST_F(TruSimLink, AuthenticatesByChallengeTakesTheGreetingAndASecondAfterEndCom
     const auto gap = std::chrono::steady_clock::now() - ended;
     EXPECT_GE(gap, 900ms);
     EXPECT_LE(gap, 2500ms);
-    ASSERT_TRUE(emulator->WaitForMessages(1, 5s));
-    EXPECT_EQ(emulator->Received()[0], kHandshake);
     ASSERT_TRUE(Greeted(2));
     EXPECT_EQ(listener.Count("connect"), 2);
     EXPECT_EQ(listener.Count("disconnect"), 1);
