@@ -133,18 +133,16 @@ TEST_F(Settings, SingletonAndEffectSwitch) {
 }
 
 TEST(SettingsFolder, ConfigHomeThenHomeThenTemporaryFolder) {
-    {
-        EnvVar config("XDG_CONFIG_HOME", "/srv/cfg");
-        EXPECT_EQ(OrvSettings::DefaultFolder(), fs::path("/srv/cfg/Orvane X"));
+    const struct {
+        const char *config, *home;
+        fs::path folder;
+    } rows[] = {{"/srv/cfg", "/home/golfer", "/srv/cfg/Orvane X"},
+                {"relative/ignored", "/home/golfer", "/home/golfer/.config/Orvane X"},
+                {nullptr, nullptr, fs::temp_directory_path()}};
+    for (const auto& row : rows) {
+        EnvVar config("XDG_CONFIG_HOME", row.config), home("HOME", row.home);
+        EXPECT_EQ(OrvSettings::DefaultFolder(), row.folder);
     }
-    {
-        EnvVar config("XDG_CONFIG_HOME", "relative/ignored");
-        EnvVar home("HOME", "/home/golfer");
-        EXPECT_EQ(OrvSettings::DefaultFolder(), fs::path("/home/golfer/.config/Orvane X"));
-    }
-    EnvVar config("XDG_CONFIG_HOME", nullptr);
-    EnvVar home("HOME", nullptr);
-    EXPECT_EQ(OrvSettings::DefaultFolder(), fs::temp_directory_path());
 }
 
 }  // namespace

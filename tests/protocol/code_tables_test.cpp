@@ -54,11 +54,7 @@ TEST(CodeTables, ClubByNameFoldsCaseOnNamesOnly) {
     for (const char* name : {"3 Wood", "", "Putter ", static_cast<const char*>(nullptr)}) {
         EXPECT_EQ(OrvGetClubCodeDef(name), nullptr);  // a description is not a name
     }
-    EXPECT_TRUE(SafeStringiCompare("TRUE", "true"));
-    EXPECT_TRUE(SafeStringiCompare(std::string("a\0b", 3), std::string("A\0B", 3)));
-    EXPECT_FALSE(SafeStringiCompare("true", "tru"));
-    EXPECT_FALSE(SafeStringiCompare("[", "{"));                // '[' and '{' differ by the case bit
-    EXPECT_FALSE(SafeStringiCompare("\xC3\xA9", "\xC3\x89"));  // no Unicode folding
+    EXPECT_FALSE(SafeStringiCompare("[", "{"));  // '[' and '{' differ by the case bit
 }
 
 }  // namespace

@@ -78,7 +78,6 @@ TEST_F(TruSimLink, AuthenticatesByChallengeTakesTheGreetingAndASecondAfterEndCom
                                         "player:Emulator,1,Right,1,12,0.2,1"}));
     EXPECT_EQ(client.GetDistanceToPin(), 150.0);
 
-    emulator->ClearReceived();
     const auto ended = std::chrono::steady_clock::now();
     EXPECT_TRUE(emulator->SendEnd());
     EXPECT_TRUE(Eventually([&] { return listener.Count("disconnect") == 1; }));
@@ -105,7 +104,6 @@ TEST_F(TruSimLink, StopWhileConnectedNotifiesAndNothingAfterwards) {
     // when the connection thread was blocked in it (not when between reads).
     const int disconnects = owner->Count("disconnect");
     EXPECT_TRUE(disconnects == 1 || disconnects == 2) << disconnects;
-    EXPECT_FALSE(stopped->IsConnected());
     EXPECT_FALSE(stopped->IsSocketOpen());
     owner.reset();  // the listener may go right after Stop
     EXPECT_TRUE(emulator->WaitForClientGone(5s));
