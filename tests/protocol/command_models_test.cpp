@@ -19,10 +19,6 @@ TEST(CommandModels, FramesOnTheWire) {
     setting.insert(setting.end(), 12, 0x00);
     setting.push_back(0x07);
     const std::pair<std::shared_ptr<OrvCmdBaseModel>, Bytes> cases[] = {
-        {std::make_shared<OrvCmdRawDataReqModel>(), {0x15, 0x00, 0x15}},
-        {std::make_shared<OrvCmdBatteryStateReqModel>(), {0x1D, 0x00, 0x1D}},
-        {std::make_shared<OrvCmdFWVersionReqModel>(), {0x12, 0x00, 0x12}},
-        {std::make_shared<OrvCmdClubInfoReqModel>(), {0x0C, 0x00, 0x0C}},
         {std::make_shared<OrvCmdModel>(ORV_COMMAND_ECHO), {0x00, 0x00, 0x00}},
         {std::make_shared<OrvCmdModel>(ORV_COMMAND_RESET), {0x09, 0x00, 0x09}},
         // state sync, 3 payload bytes, states 2 3 0, checksum 0A^03^02^03^00

@@ -32,7 +32,6 @@ TEST(ClientHandlers, EachMessageGivesItsNotificationsStateAndLogLine) {
         {"[1,2]", false, {}},
         {R"({"Type":"ACK"})", true, {}},
         {R"({"Type":"Pong"})", true, {}},
-        {"", true, {}, kError},
         {R"({"Type":5})", true, {}, kError},
         {R"({"Type":"Authentication"})", true, {}, kError},
         {R"({"Type":"SimCommand","Command":false})", true, {}, kError},

@@ -39,19 +39,4 @@ TEST(TruSimFramer, OneMessagePerZeroByteHoweverTheBytesArriveUntilTheHandlerStop
     EXPECT_EQ(texts, (Texts{"{\"Type\":\"ACK\"}", ""}));
 }
 
-TEST(TruSimFramer, CapsAMessageWithoutItsEnd) {
-    TruSimFramer framer;
-    Texts texts;
-    const std::string full(TruSimFramer::kMaxMessageSize, 'x');
-    ASSERT_EQ(FeedAll(framer, full, &texts), TruSimFramer::Result::kMore);
-    ASSERT_EQ(FeedAll(framer, std::string(1, '\0'), &texts), TruSimFramer::Result::kMore);
-    ASSERT_EQ(texts.size(), 1u);
-    EXPECT_EQ(texts[0].size(), TruSimFramer::kMaxMessageSize);
-
-    ASSERT_EQ(FeedAll(framer, full, &texts), TruSimFramer::Result::kMore);
-    EXPECT_EQ(FeedAll(framer, "y", &texts), TruSimFramer::Result::kOverflow);
-    EXPECT_EQ(framer.PendingSize(), 0u);
-    EXPECT_EQ(texts.size(), 1u);
-}
-
 }  // namespace
