@@ -42,11 +42,10 @@ struct Settings : ::testing::Test {
 };
 
 TEST_F(Settings, LoadReadsClampsAndDefaults) {
-    struct Case {
+    const struct {
         const char* file;  // nullptr: no file
         const char* values;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {nullptr, "level:1 sens:1 club:0 hide:0 bg:1 fx:1 preview:0 rec:0 first:1 v:0.0.0"},
         {"[Golf]\nSwingLevel=7\nSwingSensitivity=-1\nClubType=2\nHideShotResult=5\n"
          "Version=1.4.2\nFirstLaunch=1\n[Sound]\nBackground=0\nEffect=0\n"
@@ -58,7 +57,7 @@ TEST_F(Settings, LoadReadsClampsAndDefaults) {
          "FirstLaunch=x\n[Sound]\nEffect=99999999999\n",
          "level:2 sens:0 club:1 hide:0 bg:1 fx:1 preview:0 rec:0 first:1 v:2.0.0"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         if (c.file != nullptr) {
             WriteFileText(ini, c.file);
         }

@@ -154,8 +154,7 @@ TEST_F(Speech, WithoutASoundServerInitFailsAndSpeechStaysSilent) {
     if (TTS_Init()) {
         GTEST_SKIP() << "a sound server is reachable here";
     }
-    EXPECT_NE(out.Text().find("] [TTS_Init("), std::string::npos) << out.Text();
-    EXPECT_NE(out.Text().find(")] TTS Initialize error: "), std::string::npos);
+    EXPECT_NE(out.Text().find(")] TTS Initialize error: "), std::string::npos) << out.Text();
     TTS_Speak("Ready.");
     TTS_DeInit();
 }

@@ -10,18 +10,17 @@ namespace {
 TEST(ClubTables, UnknownCodesYieldZeroRowsAndGrowTheTablesFromManyThreads) {
     const size_t values = gClubValueTable.size();
     const size_t sensitivities = gClubSensitivityTable.size();
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([] {
-            for (int club = 100; club < 140; ++club) {
-                EXPECT_EQ(OrvGetClubValueTable(club).speedFactor, 0.0f) << club;
-                EXPECT_EQ(OrvGetClubSensitivity(club).scale[1], 0.0f) << club;
-            }
-        });
-    }
-    for (std::thread& t : threads) {
-        t.join();
-    }
+    {
+        std::vector<std::jthread> threads;
+        for (int t = 0; t < 4; ++t) {
+            threads.emplace_back([] {
+                for (int club = 100; club < 140; ++club) {
+                    EXPECT_EQ(OrvGetClubValueTable(club).speedFactor, 0.0f) << club;
+                    EXPECT_EQ(OrvGetClubSensitivity(club).scale[1], 0.0f) << club;
+                }
+            });
+        }
+    }  // all joined
     EXPECT_EQ(gClubValueTable.size(), values + 40);
     EXPECT_EQ(gClubSensitivityTable.size(), sensitivities + 40);
 }
