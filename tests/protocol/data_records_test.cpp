@@ -8,6 +8,7 @@
 
 #include "common/debug_log.h"
 #include "protocol/code_tables.h"
+#include "protocol/record_dispatch.h"
 #include "tests/support/test_support.h"
 
 namespace {
@@ -117,6 +118,23 @@ TEST(DataRecords, RawSamplesAreSignedImpactValuesUnsigned) {
         {1, 2, 3, 4, 5, 6, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE});
     EXPECT_EQ(sim->values[5], 6);
     EXPECT_EQ(sim->checksum, sim.buffer->data[19]);
+}
+
+// Each data type reaches the record of its own layout, and no other type reaches one.
+TEST(DataRecords, DispatchBuildsTheRecordOfEachKnownType) {
+    int visited = 0;
+    for (int code = 0; code < 256; ++code) {
+        const std::vector<uint8_t> bytes(20, 1);
+        bb* frame = bb_new_copy(bytes.data(), 20);
+        frame->data[0] = static_cast<uint8_t>(code);
+        const bool known = orv::VisitDataRecord(frame, [&](auto& record) {
+            EXPECT_EQ(record.type, code);
+            ++visited;
+        });
+        EXPECT_EQ(known, OrvGetDataCodeDef(static_cast<uint8_t>(code)) != nullptr) << code;
+        bb_free(&frame);
+    }
+    EXPECT_EQ(visited, 11);
 }
 
 }  // namespace
