@@ -10,7 +10,7 @@
 #include "common/user_depends_data.h"
 #include "tests/ble/fake_bluez/fake_bluez.h"
 #include "tests/ble/fake_bluez/private_system_bus.h"
-#include "tests/faults/fault_session.h"
+#include "tests/session/session_fixture.h"
 #include "tests/support/file_text.h"
 
 namespace orv::test {
@@ -54,15 +54,8 @@ private:
     fs::path folder_;
 };
 
-class EnvironmentFaults : public FaultSession {
-protected:
-    void TearDown() override {
-        FaultSession::TearDown();
-        OrvSettings::ReleaseInstance();
-    }
-};
-
-TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFile) {
+// A save that fails leaves the old file whole.
+TEST(CorruptSettings, GiveDefaultsAndAFailedSaveKeepsTheOldFile) {
     TempDir dir;
     const fs::path ini = dir.path() / "settings.ini";
     const std::string garbage("[Golf]\nSwingLevel=2\n\0\x01\xff\xfe garbage", 30);
@@ -70,38 +63,27 @@ TEST_F(EnvironmentFaults, CorruptSettingsGiveDefaultsAndAFailedSaveKeepsTheOldFi
     gUserDependsData.swingLevel = 2;
 
     LogCapture log;
-    OrvSettings* settings = OrvSettings::GetInstanceIn(dir.path());
-    ASSERT_NE(settings, nullptr);
-    EXPECT_EQ(settings->GetDifficulty(), 1);  // the default, not the 2 in the garbage
+    OrvSettings settings(dir.path());
+    EXPECT_EQ(settings.GetDifficulty(), 1);  // the default, not the 2 in the garbage
     EXPECT_EQ(CountOf(log.Text(), "settings.ini: not a text file\n"), 1u) << log.Text();
-
-    // The session runs on the defaults.
-    StartManager();
-    ASSERT_TRUE(SwingBecomesOneShot());
-
-    // The folder takes no new file: the save fails once, loudly, and the
-    // old file stays as it was.
     {
         ReadOnlyFolder readOnly(dir.path());
         if (!readOnly.Refuses()) {
             GTEST_SKIP() << "this file system lets the folder be written all the same";
         }
         const std::string before = log.Text();
-        settings->SetDifficulty(0);
-        settings->SaveSetting();
+        settings.SetDifficulty(0);
+        settings.SaveSetting();
         const std::string during = log.Text().substr(before.size());
         EXPECT_EQ(CountOf(during, "mkostemp error:"), 1u) << during;
     }
     EXPECT_EQ(ReadFileText(ini), garbage);
-    ASSERT_TRUE(SwingBecomesOneShot());
-    EXPECT_TRUE(manager->IsRunning());
-
     // Writable again, the next save goes through.
-    settings->SaveSetting();
+    settings.SaveSetting();
     EXPECT_NE(ReadFileText(ini).find("SwingLevel=0"), std::string::npos);
 }
 
-class BluetoothdFaults : public FaultSession {
+class BluetoothdFaults : public SessionTest {
 protected:
     PrivateSystemBus bus;  // outlives every client of the bus
     FakeBluez bluez;

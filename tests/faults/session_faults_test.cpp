@@ -4,7 +4,7 @@
 
 #include "protocol/code_tables.h"
 #include "protocol/command_models.h"
-#include "tests/faults/fault_session.h"
+#include "tests/session/session_fixture.h"
 
 namespace orv::test {
 namespace {
@@ -20,11 +20,15 @@ struct Fault {
     std::vector<std::pair<const char*, size_t>> lines;  // log line -> times seen
 };
 
-class Faults : public FaultSession, public ::testing::WithParamInterface<Fault> {
+class Faults : public SessionTest, public ::testing::WithParamInterface<Fault> {
 public:
     void StartReady() {
         StartManager();
         ASSERT_TRUE(WaitReady());
+    }
+    bool ReconnectedAndReady(int connectionsBefore) {
+        return emulator->WaitForConnections(connectionsBefore + 1, 10s) &&
+               Eventually([&] { return emulator->IsClientAuthenticated(); }) && WaitReady();
     }
     // Half a message, then the link is gone; the half dies with its link.
     void HalfMessageThenDrop(bool reset) {
@@ -110,10 +114,8 @@ public:
     }
     void LinkLostMidSwing() {
         // Steps far enough apart to drop the link between them.
-        VirtualSensorTiming timing;
-        timing.answerDelay = 1ms;
-        timing.stepGap = 400ms;
-        sensor = std::make_shared<VirtualSensor>("orvane-demo", timing);
+        sensor = std::make_shared<VirtualSensor>(
+            "orvane-demo", VirtualSensorTiming{.answerDelay = 1ms, .stepGap = 400ms});
         StartReady();
         sensor->TriggerSwing(DriverSwing());
         ASSERT_TRUE(Eventually([&] { return CountOf(log.Text(), "Enter Backswing.\n") == 1; }));
