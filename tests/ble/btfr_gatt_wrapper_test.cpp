@@ -142,14 +142,4 @@ TEST_F(WrapperTest, WriteWhileNotConnectedFailsWithoutDisconnecting) {
     EXPECT_EQ(CountOf(log.Text(), ")] Disconnect()\n"), 0u);
 }
 
-TEST(DemoStack, OffersOneAnsweringSensorNamedOrvaneDemo) {
-    WrapperRig rig;
-    rig.wrapper = MakeSensorWrapper(MakeDemoStack(), rig.owner, {20ms, 40ms});
-    rig.wrapper->Start();
-    ASSERT_TRUE(rig.WaitState(3));
-    const std::vector<uint8_t> clubRequest = {0x0C, 0x00, 0x0C};
-    ASSERT_TRUE(rig.wrapper->WriteCharacteristic(clubRequest.data(), 3));
-    EXPECT_TRUE(Eventually([&] { return rig.owner.Received({0x01, 0x01, 0x01, 0x01}); }));
-}
-
 }  // namespace

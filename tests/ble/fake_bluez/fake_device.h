@@ -26,7 +26,6 @@ struct FakeDeviceConfig {
     bool sensorService = true;                // false: generic access only
     bool notifies = true;                     // false: the notify characteristic only reads
     bool resolveServices = true;              // false: ServicesResolved never comes
-    bool known = false;                       // in GetManagedObjects from the start
     // Linked before the program started (e.g. it crashed): known, with its
     // GATT objects, and silent, as a connected peripheral stops advertising.
     bool connectedAtStart = false;
