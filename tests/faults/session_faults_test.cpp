@@ -1,6 +1,6 @@
 // A misbehaving simulator or sensor: the session lives through each fault,
 // leaves the expected lines in the log, and the next swing is one whole shot.
-#include <algorithm>
+#include <functional>
 
 #include "protocol/code_tables.h"
 #include "protocol/command_models.h"
@@ -54,35 +54,28 @@ public:
         emulator->SendRaw(std::string(10 * 1024 * 1024, 'x'));
         ASSERT_TRUE(ReconnectedAndReady(1));
     }
-    // Shown, but never sent nor queued for later.
-    void SwingGoesNowhere() {
+    // A link never authenticated (`fault` on until it is dropped): the swing
+    // is shown, but never sent nor queued for later.
+    void NeverAuthenticated(const std::function<void(bool)>& fault,
+                            const std::function<bool()>& seen, bool reset) {
+        fault(true);
+        StartManager();
+        ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3") && seen(); }));
         sensor->TriggerSwing(DriverSwing());
         ASSERT_TRUE(Eventually([&] { return ui.Count("shot") == 1; }));
         EXPECT_EQ(ShotSequence(emulator->Received()).size(), 0u);
         EXPECT_FALSE(ui.Saw("e6:1"));
+        fault(false);
+        ASSERT_TRUE(emulator->DropConnection(reset));
+        ASSERT_TRUE(ReconnectedAndReady(1));
     }
     void UnansweredHandshake() {
-        emulator->SetAnswerHandshake(false);
-        StartManager();
-        ASSERT_TRUE(Eventually([&] {
-            const auto got = emulator->Received();
-            return ui.Saw("ble:3") &&
-                   std::find(got.begin(), got.end(), R"({"Type":"Handshake"})") != got.end();
-        }));
-        SwingGoesNowhere();
-        emulator->SetAnswerHandshake(true);
-        ASSERT_TRUE(emulator->DropConnection(false));
-        ASSERT_TRUE(ReconnectedAndReady(1));
+        NeverAuthenticated([&](bool on) { emulator->SetAnswerHandshake(!on); },
+                           [&] { return !ReceivedOfType("Handshake").empty(); }, false);
     }
     void RefusedAuthentication() {
-        emulator->SetRefuseAuthentication(true);
-        StartManager();
-        ASSERT_TRUE(Eventually([&] { return CountOf(log.Text(), "E6 auth failed.\n") == 1; }));
-        ASSERT_TRUE(Eventually([&] { return ui.Saw("ble:3"); }));
-        SwingGoesNowhere();
-        emulator->SetRefuseAuthentication(false);
-        ASSERT_TRUE(emulator->DropConnection(true));
-        ASSERT_TRUE(ReconnectedAndReady(1));
+        NeverAuthenticated([&](bool on) { emulator->SetRefuseAuthentication(on); },
+                           [&] { return CountOf(log.Text(), "E6 auth failed.\n") == 1; }, true);
     }
     void SlowSimulator() {
         emulator->SetReplyDelay(300ms);
