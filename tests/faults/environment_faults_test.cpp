@@ -5,11 +5,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "ble/bluez/make_bluez_stack.h"
 #include "common/settings.h"
 #include "common/user_depends_data.h"
-#include "tests/ble/fake_bluez/fake_bluez.h"
-#include "tests/ble/fake_bluez/private_system_bus.h"
+#include "tests/ble/bluez_rig.h"
 #include "tests/session/session_fixture.h"
 #include "tests/support/file_text.h"
 
@@ -76,11 +74,7 @@ TEST(CorruptSettings, GiveDefaultsAndAFailedSaveKeepsTheOldFile) {
     EXPECT_NE(ReadFileText(ini).find("SwingLevel=0"), std::string::npos);
 }
 
-class BluetoothdFaults : public SessionTest {
-protected:
-    PrivateSystemBus bus;  // outlives every client of the bus
-    FakeBluez bluez;
-};
+class BluetoothdFaults : public SessionTest, protected BluezDaemon {};
 
 // The whole program over the BlueZ backend (a fake bluetoothd on a private
 // system bus, whose one device carries the virtual sensor), first as it is,
@@ -89,11 +83,7 @@ TEST_F(BluetoothdFaults, OneShotOverBluezThenARestartIsLivedThrough) {
     ASSERT_TRUE(bus.ok());
     bluez.AddAdapter();
     bluez.AddDevice({.address = "C0:DE:5E:45:00:01", .name = "orvane-demo", .sensor = sensor});
-    config.makeBleStack = [] {
-        BluezTiming timing;
-        timing.adapterWait = 100ms;
-        return MakeBluezStack(timing);
-    };
+    config.makeBleStack = [] { return MakeBluezStack(BluezRig::Timing()); };
     ASSERT_TRUE(bluez.Start());
     LogCapture log;
     StartManager();

@@ -51,12 +51,10 @@ public:
     // The object path of the characteristic with `uuid`.
     std::string CharacteristicPath(const std::string& uuid) const;
 
-    // Test controls.
     void FailWrites(bool fail);
     // A Value change from `path` while linked, whatever is there.
     void EmitValue(const std::string& path, const std::vector<uint8_t>& value);
 
-    // Observation.
     bool Connected() const { return device_.Read<bool>("Connected"); }
     bool Notifying() const { return ByUuid(kSensorNotifyUuid).Read<bool>("Notifying"); }
     // How often the client called "Connect", "Disconnect", "StartNotify", "StopNotify".
