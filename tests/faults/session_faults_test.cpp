@@ -27,8 +27,7 @@ public:
         ASSERT_TRUE(WaitReady());
     }
     bool ReconnectedAndReady(int connectionsBefore) {
-        return emulator->WaitForConnections(connectionsBefore + 1, 10s) &&
-               Eventually([&] { return emulator->IsClientAuthenticated(); }) && WaitReady();
+        return emulator->WaitForConnections(connectionsBefore + 1, 10s) && WaitReady();
     }
     // Half a message, then the link is gone; the half dies with its link.
     void HalfMessageThenDrop(bool reset) {
@@ -44,9 +43,7 @@ public:
         StartReady();
         ASSERT_TRUE(emulator->SendRaw("this is not json\0\x01\xff\xfe{{[\"\0"s +
                                       R"({"Type":"NoSuchThing","Value":[1,2,3]})" + '\0' + '\0'));
-        ASSERT_TRUE(Eventually([&] {
-            return CountOf(log.Text(), "Error:") == 3 && CountOf(log.Text(), "Not Support.\n") == 1;
-        }));
+        ASSERT_TRUE(Eventually([&] { return CountOf(log.Text(), "Not Support.\n") == 1; }));
     }
     void EndlessMessage() {
         StartReady();
