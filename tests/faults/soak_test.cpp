@@ -37,36 +37,31 @@ public:
     std::atomic<int> shots{0};
 };
 
-class Soak : public SessionTest {
-protected:
-    void SetUp() override {
-        SessionTest::SetUp();
-        // Swing steps and re-arming as fast as the links allow.
-        sensor = std::make_shared<VirtualSensor>(
-            "orvane-demo", VirtualSensorTiming{.answerDelay = 1ms, .stepGap = 2ms});
-        emulator->Stop();
-        emulatorRearmDelay = 1ms;
-        StartEmulator();
-    }
-    bool Armed() const {
+using Soak = SessionTest;
+
+TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
+    // Swing steps and re-arming as fast as the links allow.
+    sensor = std::make_shared<VirtualSensor>(
+        "orvane-demo", VirtualSensorTiming{.answerDelay = 1ms, .stepGap = 2ms});
+    emulator->Stop();
+    emulatorRearmDelay = 1ms;
+    StartEmulator();
+    const auto armed = [&] {
         E6TruSimClient* client = manager->GetE6();
         return client != nullptr && client->IsAuthenticated() && client->GetArmState() == 0 &&
                client->GetCurrentClub() != 0;
-    }
-};
-
-TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
+    };
     const int threadsBefore = ThreadCount();
     const int fdsBefore = OpenFdCount();
 
     CountingUi counting;
     StartManager(&counting);
-    ASSERT_TRUE(Eventually([&] { return counting.connected.load() && Armed(); }));
+    ASSERT_TRUE(Eventually([&] { return counting.connected.load() && armed(); }));
 
     long rssAfterWarmUp = 0;
     int incomplete = 0;
     for (int swing = 1; swing <= kSwings; ++swing) {
-        ASSERT_TRUE(Eventually([&] { return Armed(); }, 10s, 1ms)) << "swing " << swing;
+        ASSERT_TRUE(Eventually(armed, 10s, 1ms)) << "swing " << swing;
         emulator->ClearReceived();
         sensor->TriggerSwing(DriverSwing());
         ASSERT_TRUE(emulator->WaitForShots(static_cast<size_t>(swing), 10s)) << "swing " << swing;
