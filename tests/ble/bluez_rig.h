@@ -32,14 +32,11 @@ struct BluezRig : BluezDaemon, WrapperRig {
         if (!bus.ok() || !bluez.Start()) {
             return false;
         }
-        StartWrapper(timing);
-        return true;
-    }
-    void StartWrapper(const BluezTiming& timing = Timing()) {
         using std::chrono::milliseconds;
         wrapper =
             MakeSensorWrapper(MakeBluezStack(timing), owner, {milliseconds(50), milliseconds(200)});
         wrapper->Start();
+        return true;
     }
 };
 

@@ -1,11 +1,10 @@
 // Ten thousand swings through the whole session: every one must arrive as one
 // complete shot, and threads, descriptors and memory must stay where they were.
-#include <cstdio>
 #include <fstream>
 
 #include <unistd.h>
 
-#include "tests/faults/fault_session.h"
+#include "tests/session/session_fixture.h"
 
 namespace orv::test {
 namespace {
@@ -38,39 +37,31 @@ public:
     std::atomic<int> shots{0};
 };
 
-class Soak : public FaultSession {
-protected:
-    void SetUp() override {
-        FaultSession::SetUp();
-        // Swing steps and re-arming as fast as the links allow.
-        VirtualSensorTiming timing;
-        timing.answerDelay = 1ms;
-        timing.stepGap = 2ms;
-        sensor = std::make_shared<VirtualSensor>("orvane-demo", timing);
-        emulator->Stop();
-        emulatorRearmDelay = 1ms;
-        StartEmulator();
-    }
-    bool Armed() const {
+using Soak = SessionTest;
+
+TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
+    // Swing steps and re-arming as fast as the links allow.
+    sensor = std::make_shared<VirtualSensor>(
+        "orvane-demo", VirtualSensorTiming{.answerDelay = 1ms, .stepGap = 2ms});
+    emulator->Stop();
+    emulatorRearmDelay = 1ms;
+    StartEmulator();
+    const auto armed = [&] {
         E6TruSimClient* client = manager->GetE6();
         return client != nullptr && client->IsAuthenticated() && client->GetArmState() == 0 &&
                client->GetCurrentClub() != 0;
-    }
-};
-
-TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
+    };
     const int threadsBefore = ThreadCount();
     const int fdsBefore = OpenFdCount();
-    const auto started = std::chrono::steady_clock::now();
 
     CountingUi counting;
     StartManager(&counting);
-    ASSERT_TRUE(Eventually([&] { return counting.connected.load() && Armed(); }));
+    ASSERT_TRUE(Eventually([&] { return counting.connected.load() && armed(); }));
 
     long rssAfterWarmUp = 0;
     int incomplete = 0;
     for (int swing = 1; swing <= kSwings; ++swing) {
-        ASSERT_TRUE(Eventually([&] { return Armed(); }, 10s, 1ms)) << "swing " << swing;
+        ASSERT_TRUE(Eventually(armed, 10s, 1ms)) << "swing " << swing;
         emulator->ClearReceived();
         sensor->TriggerSwing(DriverSwing());
         ASSERT_TRUE(emulator->WaitForShots(static_cast<size_t>(swing), 10s)) << "swing " << swing;
@@ -93,19 +84,10 @@ TEST_F(Soak, TenThousandSwingsEachOneCompleteShotWithNothingLeaked) {
     manager.reset();
     // Counted with the sensor and the simulator still up, as before the start.
     ASSERT_TRUE(emulator->WaitForClientGone(5s));
-    Eventually([&] { return ThreadCount() <= threadsBefore; }, 2s);
-    const int threadsAfter = ThreadCount();
-    const int fdsAfter = OpenFdCount();
-    const double seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-    std::printf(
-        "soak: %d swings in %.1f s; threads %d -> %d; fds %d -> %d; VmRSS %ld KiB after "
-        "%d, %ld KiB after %d\n",
-        kSwings, seconds, threadsBefore, threadsAfter, fdsBefore, fdsAfter, rssAfterWarmUp, kWarmUp,
-        rssAtEnd, kSwings);
-    EXPECT_LE(threadsAfter, threadsBefore);
-    EXPECT_LE(fdsAfter, fdsBefore);
-    EXPECT_LE(rssAtEnd - rssAfterWarmUp, kRssMarginKiB);
+    EXPECT_TRUE(Eventually([&] { return ThreadCount() <= threadsBefore; }, 2s)) << ThreadNames();
+    EXPECT_LE(OpenFdCount(), fdsBefore);
+    EXPECT_LE(rssAtEnd - rssAfterWarmUp, kRssMarginKiB)
+        << "after " << kWarmUp << " swings " << rssAfterWarmUp << " KiB";
 }
 
 }  // namespace

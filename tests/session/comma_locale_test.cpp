@@ -1,7 +1,6 @@
 // Under a locale that writes decimal commas, numbers meant for a machine keep
 // the decimal point: the simulator's texts, the log, and a whole shot.
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
@@ -35,9 +34,6 @@ protected:
         ASSERT_TRUE(generated) << "localedef and the package locales needed";
         // Before any thread starts: setlocale is not safe against threads formatting meanwhile.
         ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
-        char probe[8];
-        std::snprintf(probe, sizeof probe, "%.1f", 0.5);
-        ASSERT_STREQ(probe, "0,5");
         SessionTest::SetUp();
     }
     void TearDown() override {

@@ -154,11 +154,9 @@ TEST_F(SessionE2E, PingPassWaitsBehindQueuedCommandsWhichStopFreesAndTheSessionR
     ASSERT_TRUE(Eventually([&] { return !WrittenWithCode(ORV_COMMAND_BATTERY_REQ).empty(); }));
     const SensorFrame time = WrittenWithCode(ORV_COMMAND_TIME_SYNC_REQ)[0];
     ASSERT_EQ(time.size(), 7u);
-    EXPECT_EQ(time[1], 4);
     EXPECT_LT(time[2], 24);
     EXPECT_LT(time[3], 60);
     EXPECT_EQ(time[5], 1);
-    EXPECT_EQ(WrittenWithCode(ORV_COMMAND_BATTERY_REQ)[0], (Bytes{0x1D, 0x00, 0x1D}));
     EXPECT_TRUE(Eventually([&] { return !ReceivedOfType("Ping").empty(); }));
     const std::string battery = "battery:" + std::to_string(sensor->Battery());
     ASSERT_TRUE(Eventually([&] { return ui.Saw(battery); }));

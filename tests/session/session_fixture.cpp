@@ -1,5 +1,7 @@
 #include "tests/session/session_fixture.h"
 
+#include <algorithm>
+
 #include "ble/virtual/virtual_stack.h"
 
 namespace orv::test {
@@ -12,21 +14,13 @@ SwingValues DriverSwing(double distance) {
 }
 
 void SessionTest::SetUp() {
-    VirtualSensorTiming sensorTiming;
-    sensorTiming.answerDelay = 1ms;
-    sensorTiming.stepGap = 20ms;
-    sensor = std::make_shared<VirtualSensor>("orvane-demo", sensorTiming);
+    sensor = std::make_shared<VirtualSensor>(
+        "orvane-demo", VirtualSensorTiming{.answerDelay = 1ms, .stepGap = 20ms});
     StartEmulator();
     config.makeBleStack = [this] {
-        VirtualPeripheral peripheral;
-        peripheral.address = 0xC0DE5E450001;
-        peripheral.name = sensor->Name();
-        peripheral.sensor = sensor;
-        VirtualStackTiming stackTiming;
-        stackTiming.connect = 5ms;
-        auto stack = std::make_unique<VirtualStack>(stackTiming);
-        stack->AddPeripheral(peripheral);
-        return std::unique_ptr<BleStack>(std::move(stack));
+        return std::unique_ptr<BleStack>(MakeVirtualStack(
+            {{.address = 0xC0DE5E450001, .name = sensor->Name(), .sensor = sensor}},
+            {.connect = 5ms}));
     };
     config.simulatorAddress = "127.0.0.1";
     config.simulatorPort = port;
@@ -95,6 +89,49 @@ std::vector<std::string> SessionTest::ReceivedOfType(const std::string& type) co
         }
     }
     return texts;
+}
+
+const std::vector<std::string> kShotTypes = {"SetBallData", "SetClubData", "SetMiscData",
+                                             "SendShot"};
+
+std::vector<std::string> ShotSequence(const std::vector<std::string>& received) {
+    std::vector<std::string> types;
+    for (const std::string& text : received) {
+        for (const std::string& type : kShotTypes) {
+            if (text.find("\"Type\":\"" + type + "\"") != std::string::npos) {
+                types.push_back(type);
+            }
+        }
+    }
+    return types;
+}
+
+bool SessionTest::SwingBecomesOneShot() {
+    // The sensor's last reported state is "connected" (an earlier connection
+    // does not count), and the simulator is armed again after the last shot.
+    const auto sensorUp = [&] {
+        const std::vector<std::string> events = ui.Events();
+        const auto last = std::find_if(events.rbegin(), events.rend(),
+                                       [](const std::string& e) { return e.starts_with("ble:"); });
+        return last != events.rend() && *last == "ble:3";
+    };
+    if (!WaitReady() || !Eventually(sensorUp)) {
+        ADD_FAILURE() << "session not ready for a swing";
+        return false;
+    }
+    const size_t shots = emulator->Shots().size();
+    const size_t seen = emulator->Received().size();
+    sensor->TriggerSwing(DriverSwing());
+    if (!emulator->WaitForShots(shots + 1, 10s)) {
+        ADD_FAILURE() << "the swing never became a shot";
+        return false;
+    }
+    const std::vector<std::string> all = emulator->Received();
+    const std::vector<std::string> fresh(all.begin() + static_cast<std::ptrdiff_t>(seen),
+                                         all.end());
+    EXPECT_EQ(ShotSequence(fresh), kShotTypes);
+    EXPECT_EQ(emulator->Shots().size(), shots + 1);
+    return ShotSequence(fresh) == kShotTypes && emulator->Shots().size() == shots + 1;
 }
 
 }  // namespace orv::test

@@ -58,6 +58,9 @@ protected:
     std::vector<SensorFrame> WrittenWithCode(uint8_t code) const;
     // The simulator's messages of the given "Type".
     std::vector<std::string> ReceivedOfType(const std::string& type) const;
+    // One swing once ready; true when it arrives as exactly one more shot,
+    // each of its four messages once and in order.
+    bool SwingBecomesOneShot();
 
     std::shared_ptr<VirtualSensor> sensor;
     std::unique_ptr<orv::TruSimEmulator> emulator;
@@ -72,5 +75,10 @@ protected:
 
 // A driver swing in the sensor's units.
 SwingValues DriverSwing(double distance = 150.0);
+
+// The four messages that make one shot, in the order they must arrive.
+extern const std::vector<std::string> kShotTypes;
+// The shot messages of `received` reduced to their "Type" names, in order.
+std::vector<std::string> ShotSequence(const std::vector<std::string>& received);
 
 }  // namespace orv::test

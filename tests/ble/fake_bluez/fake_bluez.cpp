@@ -49,8 +49,6 @@ void FakeBluez::StartOnWorker(bool& started) {
         for (auto& device : devices_) {
             if (device->Config().connectedAtStart) {
                 device->LinkAtStart();
-            } else if (device->Config().known) {
-                device->Export();
             }
         }
         Advertise(scan_);  // what the other scanner heard before we came

@@ -2,14 +2,7 @@
 // one adapter, devices and their GATT objects, discovery, and the agent
 // manager, following the behaviour of bluetoothd 5.66. The test drives it
 // from any thread; it never blocks the bus while doing so.
-//
-//   PrivateSystemBus bus;           // first: the daemon and the address
-//   FakeBluez bluez;
-//   bluez.AddAdapter();
-//   FakeDevice& sensor = bluez.AddDevice({.address = "C0:DE:5E:45:00:01",
-//                                         .name = "orvane-demo",
-//                                         .sensor = std::make_shared<VirtualSensor>()});
-//   bluez.Start();
+// Built after the PrivateSystemBus it serves (see tests/ble/bluez_rig.h).
 #pragma once
 
 #include <memory>

@@ -26,7 +26,6 @@ struct FakeDeviceConfig {
     bool sensorService = true;                // false: generic access only
     bool notifies = true;                     // false: the notify characteristic only reads
     bool resolveServices = true;              // false: ServicesResolved never comes
-    bool known = false;                       // in GetManagedObjects from the start
     // Linked before the program started (e.g. it crashed): known, with its
     // GATT objects, and silent, as a connected peripheral stops advertising.
     bool connectedAtStart = false;
@@ -52,12 +51,10 @@ public:
     // The object path of the characteristic with `uuid`.
     std::string CharacteristicPath(const std::string& uuid) const;
 
-    // Test controls.
     void FailWrites(bool fail);
     // A Value change from `path` while linked, whatever is there.
     void EmitValue(const std::string& path, const std::vector<uint8_t>& value);
 
-    // Observation.
     bool Connected() const { return device_.Read<bool>("Connected"); }
     bool Notifying() const { return ByUuid(kSensorNotifyUuid).Read<bool>("Notifying"); }
     // How often the client called "Connect", "Disconnect", "StartNotify", "StopNotify".

@@ -21,7 +21,6 @@ public:
     PrivateSystemBus& operator=(const PrivateSystemBus&) = delete;
 
     bool ok() const { return pid_ > 0 && !address_.empty(); }
-    const std::string& address() const { return address_; }
     // Ends the daemon now (the bus disappears under its clients).
     void Kill();
 
