@@ -20,7 +20,6 @@
 #include "app/history_dialog.h"
 #include "common/clock.h"
 #include "history/history_store.h"
-#include "history/history_text.h"
 #include "history/history_writer.h"
 #include "tests/support/file_text.h"
 #include "tests/support/test_support.h"
