@@ -2,9 +2,12 @@
 // for 127.0.0.1, answering every connection with what Serve was last given.
 #pragma once
 
-#include <QProcess>
-#include <QRegularExpression>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <regex>
 #include <string>
 
 #include "tests/support/file_text.h"
@@ -16,24 +19,36 @@ class HttpsTestServer {
 public:
     // Without TLS the server takes connections and never answers them.
     explicit HttpsTestServer(bool tls = true) {
-        const QString listen = tls ? "OPENSSL-LISTEN:0,verify=0,cert=" + QString(caFile()) +
-                                         ",key=" ORVANE_TEST_CERT_DIR "/service-key.pem"
-                                   : "TCP-LISTEN:0";
+        const std::string listen =
+            (tls ? std::string("OPENSSL-LISTEN:0,verify=0,cert=") + caFile() +
+                       ",key=" ORVANE_TEST_CERT_DIR "/service-key.pem"
+                 : "TCP-LISTEN:0") +
+            ",bind=127.0.0.1,fork";
+        const std::string log = (dir_.path() / "log").string();
         // The request's head is kept; a stalled answer waits for the client to leave.
-        socat_.setWorkingDirectory(QString::fromStdString(dir_.path().string()));
-        socat_.setStandardErrorFile(QString::fromStdString((dir_.path() / "log").string()));
-        socat_.start("socat", {"-d", "-d", listen + ",bind=127.0.0.1,fork",
-                               "SYSTEM:sed -u '/^\\r$/q' >request; cat answer; "
-                               "test ! -e stall || exec cat >/dev/null"});
-        const QRegularExpression listening(" listening on .*:(\\d+)\\n");
+        const char* script =
+            "SYSTEM:sed -u '/^\\r$/q' >request; cat answer; test ! -e stall || exec cat >/dev/null";
+        // Gone after five minutes even when the test dies; spawned, not forked,
+        // as the test process already runs threads.
+        const char* argv[] = {"timeout", "300",       "socat",        "-d",   "-d",
+                              "-lf",     log.c_str(), listen.c_str(), script, nullptr};
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addchdir_np(&actions, dir_.path().c_str());
+        posix_spawnp(&pid_, "timeout", &actions, nullptr, const_cast<char**>(argv), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        const std::regex listening(" listening on .*:(\\d+)\n");
+        std::smatch port;
         Eventually([&] {
-            const std::string log = ReadFileText(dir_.path() / "log");
-            return (port_ = listening.match(QString::fromStdString(log)).captured(1).toInt()) > 0;
+            const std::string text = ReadFileText(log);
+            return std::regex_search(text, port, listening) && (port_ = std::stoi(port[1])) > 0;
         });
     }
     ~HttpsTestServer() {
-        socat_.terminate();
-        socat_.waitForFinished();
+        if (pid_ > 0) {
+            kill(pid_, SIGTERM);
+            waitpid(pid_, nullptr, 0);
+        }
     }
 
     bool ok() const { return port_ > 0; }
@@ -58,7 +73,7 @@ public:
 
 private:
     TempDir dir_;
-    QProcess socat_;
+    pid_t pid_ = 0;
     int port_ = 0;
 };
 
