@@ -51,7 +51,6 @@ public:
         }
     }
 
-    bool ok() const { return port_ > 0; }
     int port() const { return port_; }
     // The certificate, which clients take as their CA file.
     static const char* caFile() { return ORVANE_TEST_CERT_DIR "/service-cert.pem"; }
