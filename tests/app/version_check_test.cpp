@@ -2,15 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QThread>
-
 #include <chrono>
 #include <string>
 
-#include "app/version_check_worker.h"
 #include "tests/app/https_test_server.h"
 #include "tests/support/test_support.h"
-#include "tests/ui/gui_test_app.h"
 
 namespace {
 
@@ -54,36 +50,34 @@ orv::VersionCheckConfig Config(const HttpsTestServer& server, const std::string&
 // Server answer -> result, offer and log, one exchange each over real TLS.
 TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheCheck) {
     HttpsTestServer server;
-    ASSERT_TRUE(server.ok());
-    using B = HttpsTestServer::Behaviour;
+    HttpsTestServer mute(false);  // no TLS handshake ever
+    ASSERT_TRUE(server.port() > 0 && mute.port() > 0);
     constexpr auto kOk = VersionCheckStatus::kOk;
     constexpr auto kBad = VersionCheckStatus::kBadAnswer;
+    constexpr auto kNone = VersionCheckStatus::kNoAnswer;
+    enum Answered { kWhole, kHalf, kNoTls };  // half: the rest never comes
     struct Case {
         std::string running, body;
-        B behaviour;
+        Answered answered;
         VersionCheckStatus status;
         bool offer;
     };
     const Case cases[] = {
-        {"0.9.0", Answer("1.0.0"), B::kAnswer, kOk, true},
-        {"1.2", Answer("1.2.0"), B::kAnswer, kOk, false},
-        {"2.0.0", Answer("1.0.0"), B::kAnswer, kOk, false},
-        {"1.0.0", "<html>Service unavailable</html>", B::kAnswer, kBad, false},
-        {"1.0.0", R"({"data":{"app_ver":"9.9.9"}})", B::kAnswer, kBad, false},
-        {"1.0.0", R"({"data":[1,2]})", B::kAnswer, kBad, false},
-        {"1.0.0", "", B::kAnswer, kBad, false},
-        // Half the body, then silence: cut off by the time limit.
-        {"1.0.0", Answer("9.9.9"), B::kStall, VersionCheckStatus::kNoAnswer, false},
-        // No TLS handshake: cut off by the connect time-out.
-        {"1.0.0", "", B::kMute, VersionCheckStatus::kNoAnswer, false},
+        {"0.9.0", Answer("1.0.0"), kWhole, kOk, true},
+        {"1.2", Answer("1.2.0"), kWhole, kOk, false},
+        {"2.0.0", Answer("1.0.0"), kWhole, kOk, false},
+        {"1.0.0", "<html>Service unavailable</html>", kWhole, kBad, false},
+        {"1.0.0", R"({"data":{"app_ver":"9.9.9"}})", kWhole, kBad, false},
+        {"1.0.0", Answer("9.9.9"), kHalf, kNone, false},  // cut off by the time limit
+        {"1.0.0", "", kNoTls, kNone, false},              // cut off by the connect time-out
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.running + " " + c.body);
-        server.Serve(c.body, c.behaviour);
-        orv::VersionCheckConfig config = Config(server, c.running);
-        if (c.behaviour == B::kStall) {
+        server.Serve(c.body, c.answered == kHalf);
+        orv::VersionCheckConfig config = Config(c.answered == kNoTls ? mute : server, c.running);
+        if (c.answered == kHalf) {
             config.timing.total = 300ms;
-        } else if (c.behaviour == B::kMute) {
+        } else if (c.answered == kNoTls) {
             config.timing = {300ms, 10s};
         }
         orv::test::LogCapture log;
@@ -94,7 +88,6 @@ TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheChe
         EXPECT_EQ(orv::ShouldOfferAppUpdate(result), c.offer);
         const std::string text = log.Text();
         if (c.status == kBad) {
-            EXPECT_TRUE(result.latest.latestAppVersion.empty());
             EXPECT_NE(text.find("!!! ERROR ["), std::string::npos) << text;
             EXPECT_NE(text.find("[json.exception."), std::string::npos) << text;
         }
@@ -103,7 +96,6 @@ TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheChe
             continue;
         }
         EXPECT_EQ(result.appVersion, c.running);
-        EXPECT_EQ(result.latest.appDownloadUrl, "https://dl.orvane.invalid/app.zip");
         EXPECT_EQ(result.latest.latestFirmwareVersion, "2.1.0");
         EXPECT_EQ(result.latest.firmwareDownloadUrl, "https://dl.orvane.invalid/fw.bin");
         size_t at = 0;
@@ -126,28 +118,6 @@ TEST(VersionService, AnswersOfferUpdatesOnlyWhenRunningIsOlderAndFaultsEndTheChe
               std::string::npos)
         << request;
     EXPECT_EQ(request.find("Accept:"), std::string::npos) << request;
-}
-
-TEST(VersionCheckWorker, ResultArrivesOnceOnTheUiThread) {
-    orv::test::GuiTestApp();
-    HttpsTestServer server;
-    ASSERT_TRUE(server.ok());
-    server.Serve(Answer("9.0.0", "1.0.4"));
-    orv::VersionCheckWorker worker(Config(server, "1.0.0"));
-    std::vector<orv::VersionCheckResult> results;
-    bool onUiThread = false;
-    QObject::connect(&worker, &orv::VersionCheckWorker::Finished,
-                     [&](const orv::VersionCheckResult& result) {
-                         onUiThread = QThread::currentThread() == qApp->thread();
-                         results.push_back(result);
-                     });
-    worker.Start();
-    worker.Start();  // once only
-    ASSERT_TRUE(orv::test::ProcessEventsUntil([&] { return !results.empty(); }));
-    EXPECT_TRUE(onUiThread);
-    EXPECT_TRUE(orv::ShouldOfferAppUpdate(results[0]));
-    QCoreApplication::processEvents();
-    EXPECT_EQ(results.size(), 1u);
 }
 
 }  // namespace

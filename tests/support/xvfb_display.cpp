@@ -46,8 +46,7 @@ XvfbDisplay::XvfbDisplay(const std::string& screen) {
     }
     close(fds[0]);
     if (!number.empty()) {
-        display_ = ":" + number;
-        setenv("DISPLAY", display_.c_str(), 1);
+        setenv("DISPLAY", (":" + number).c_str(), 1);
         setenv("QT_QPA_PLATFORM", "xcb", 1);
     }
 }

@@ -15,12 +15,8 @@ public:
     XvfbDisplay(const XvfbDisplay&) = delete;
     XvfbDisplay& operator=(const XvfbDisplay&) = delete;
 
-    bool ok() const { return pid_ > 0 && !display_.empty(); }
-    const std::string& display() const { return display_; }  // e.g. ":42"
-
 private:
     pid_t pid_ = -1;
-    std::string display_;
 };
 
 }  // namespace orv::test
