@@ -241,6 +241,9 @@ struct Language {
     const char* driver;  // the club of DriverSwing as the golfer reads it
     QChar decimalPoint;
 };
+void PrintTo(const Language& language, std::ostream* out) {
+    *out << language.locale;
+}
 
 // German has no translation of its own: English texts, German figures.
 const Language kLanguages[] = {

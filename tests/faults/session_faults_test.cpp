@@ -19,6 +19,9 @@ struct Fault {
     size_t shots;                                       // after the swing that follows the fault
     std::vector<std::pair<const char*, size_t>> lines;  // log line -> times seen
 };
+void PrintTo(const Fault& fault, std::ostream* out) {
+    *out << fault.name;
+}
 
 class Faults : public SessionTest, public ::testing::WithParamInterface<Fault> {
 public:
