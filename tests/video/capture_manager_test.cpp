@@ -197,9 +197,13 @@ TEST_F(SwingRecorderTest, ShowsTheLastClipFromASessionThread) {
     QWidget* window = PlayerWnd::GetInstance()->Window();
     EXPECT_TRUE(window->isVisible());
     EXPECT_TRUE(window->windowFlags() & Qt::WindowStaysOnTopHint);
-    ASSERT_TRUE(
-        ProcessEventsUntil([&] { return CountOf(out.Text(), "PlayerState::Started\n") > 0; }));
-    EXPECT_EQ(CountOf(out.Text(), "Rate Control nearest rate(0.600000): 0.600000\n"), 1u);
+    // The slow rate is set once the first frames play, after the first start.
+    const char* rate = "Rate Control nearest rate(0.600000): 0.600000\n";
+    ASSERT_TRUE(ProcessEventsUntil([&] {
+        const std::string log = out.Text();
+        return CountOf(log, "PlayerState::Started\n") > 0 && CountOf(log, rate) > 0;
+    }));
+    EXPECT_EQ(CountOf(out.Text(), rate), 1u);
     // Decoded by openh264: no GPL-licensed decoder came into the process.
     const std::string maps = orv::test::ReadFileText("/proc/self/maps");
     EXPECT_EQ(maps.find("libavcodec"), std::string::npos);
