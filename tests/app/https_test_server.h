@@ -2,11 +2,7 @@
 // for 127.0.0.1, answering every connection with what Serve was last given.
 #pragma once
 
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <memory>
 #include <regex>
 #include <string>
 
@@ -28,15 +24,11 @@ public:
         // The request's head is kept; a stalled answer waits for the client to leave.
         const char* script =
             "SYSTEM:sed -u '/^\\r$/q' >request; cat answer; test ! -e stall || exec cat >/dev/null";
-        // Gone after five minutes even when the test dies; spawned, not forked,
-        // as the test process already runs threads.
-        const char* argv[] = {"timeout", "300",       "socat",        "-d",   "-d",
-                              "-lf",     log.c_str(), listen.c_str(), script, nullptr};
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addchdir_np(&actions, dir_.path().c_str());
-        posix_spawnp(&pid_, "timeout", &actions, nullptr, const_cast<char**>(argv), environ);
-        posix_spawn_file_actions_destroy(&actions);
+        // Gone after five minutes even when the test dies.
+        server_ = std::make_unique<ChildProcess>(
+            std::vector<std::string>{"timeout", "300", "socat", "-d", "-d", "-lf", log, listen,
+                                     script},
+            dir_.path());
         const std::regex listening(" listening on .*:(\\d+)\n");
         std::smatch port;
         Eventually([&] {
@@ -44,13 +36,6 @@ public:
             return std::regex_search(text, port, listening) && (port_ = std::stoi(port[1])) > 0;
         });
     }
-    ~HttpsTestServer() {
-        if (pid_ > 0) {
-            kill(pid_, SIGTERM);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-
     int port() const { return port_; }
     // The certificate, which clients take as their CA file.
     static const char* caFile() { return ORVANE_TEST_CERT_DIR "/service-cert.pem"; }
@@ -72,7 +57,7 @@ public:
 
 private:
     TempDir dir_;
-    pid_t pid_ = 0;
+    std::unique_ptr<ChildProcess> server_;
     int port_ = 0;
 };
 

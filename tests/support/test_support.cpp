@@ -1,6 +1,9 @@
 #include "tests/support/test_support.h"
 
 #include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -13,6 +16,37 @@
 #include "tests/support/file_text.h"
 
 namespace orv::test {
+
+ChildProcess::ChildProcess(const std::vector<std::string>& argv,
+                           const std::filesystem::path& folder,
+                           const std::filesystem::path& output) {
+    std::vector<char*> args;
+    for (const std::string& arg : argv) {
+        args.push_back(const_cast<char*>(arg.c_str()));
+    }
+    args.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (!folder.empty()) {
+        posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    }
+    if (!output.empty()) {
+        posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT, 0600);
+    }
+    pid_t pid = 0;
+    if (posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ) == 0) {
+        pid_ = pid;
+    }
+    posix_spawn_file_actions_destroy(&actions);
+}
+
+void ChildProcess::End(int signal) {
+    if (pid_ > 0) {
+        kill(pid_, signal);
+        waitpid(pid_, nullptr, 0);
+        pid_ = 0;
+    }
+}
 
 bool Eventually(const std::function<bool()>& condition, std::chrono::milliseconds timeout,
                 std::chrono::milliseconds interval) {

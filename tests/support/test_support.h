@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace orv::test {
 
@@ -57,6 +58,26 @@ public:
 
 private:
     std::filesystem::path path_;
+};
+
+// A program started by posix_spawn, not fork: a fork copies this process's
+// threads, which the thread sanitizer refuses. Ended (SIGTERM) and reaped with
+// the object. `argv[0]` is looked up on PATH.
+class ChildProcess {
+public:
+    explicit ChildProcess(const std::vector<std::string>& argv,
+                          const std::filesystem::path& folder = {},
+                          const std::filesystem::path& output = {});
+    ~ChildProcess() { End(15); }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    bool Started() const { return pid_ > 0; }
+    // Sends `signal` and waits for the program to end.
+    void End(int signal);
+
+private:
+    int pid_ = 0;
 };
 
 // Number of times `needle` occurs in `haystack`.

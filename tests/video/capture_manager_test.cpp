@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QProcess>
 
 #include <atomic>
+#include <csignal>
 #include <filesystem>
 #include <thread>
 
@@ -86,15 +86,15 @@ TEST_F(CaptureTest, PreviewDrawsTheCameraIntoItsWindow) {
 
 TEST_F(CaptureTest, ClipOfAKilledProgramPlaysUpToItsLastSecond) {
     const std::string path = Clip("killed.mp4");
-    QProcess child;
-    child.start(RECORD_CHILD_PATH, {QString::fromStdString(path)});
-    ASSERT_TRUE(child.waitForReadyRead(10000));
-    EXPECT_EQ(child.readAllStandardOutput(), "recording\n");
+    const std::string said = Clip("said.txt");
+    orv::test::ChildProcess child({RECORD_CHILD_PATH, path}, {}, said);
+    ASSERT_TRUE(child.Started());
+    EXPECT_TRUE(
+        orv::test::Eventually([&] { return orv::test::ReadFileText(said) == "recording\n"; }, 10s));
     // Three complete one-second fragments on disk, then the program dies.
     EXPECT_TRUE(orv::test::Eventually(
         [&] { return CountOf(orv::test::ReadFileText(path), "moof") >= 3; }, 10s));
-    child.kill();
-    ASSERT_TRUE(child.waitForFinished(5000));
+    child.End(SIGKILL);
     const orv::test::DecodeResult decoded = orv::test::DecodeVideo(path);
     EXPECT_TRUE(decoded.ok);
     EXPECT_GE(decoded.lastSeconds, 1.9);
