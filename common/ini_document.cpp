@@ -100,7 +100,10 @@ std::string IniDocument::Get(const char* section, const char* key, const char* f
 }
 
 void IniDocument::Set(const char* section, const char* key, const std::string& value) {
-    impl_->ini.SetValue(section, key, value.c_str());
+    // A value that itself begins and ends with a quote would lose that pair at
+    // the next load; the pair added here is the one the load takes off.
+    const bool quoted = value.size() >= 2 && value.front() == '"' && value.back() == '"';
+    impl_->ini.SetValue(section, key, (quoted ? '"' + value + '"' : value).c_str());
 }
 
 std::string IniDocument::Text() const {
