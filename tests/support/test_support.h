@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -68,7 +69,7 @@ public:
     explicit ChildProcess(const std::vector<std::string>& argv,
                           const std::filesystem::path& folder = {},
                           const std::filesystem::path& output = {});
-    ~ChildProcess() { End(15); }
+    ~ChildProcess() { End(SIGTERM); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
